@@ -1,0 +1,3 @@
+#include <foundation/KNBodyBase.h>
+
+KNBodyBase::~KNBodyBase() = default;

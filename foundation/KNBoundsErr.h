@@ -1,0 +1,26 @@
+#ifndef KN_FOUNDATION_KNBOUNDSERR_H
+#define KN_FOUNDATION_KNBOUNDSERR_H
+
+// Thrown when an index into an ordered list is not below its length.
+
+#include <foundation/KNxmsg.h>
+
+#include <cstddef>
+
+class KNMIME_EXPORT KNBoundsErr : public KNxmsg {
+public:
+    // The text reads "index <index> out of range [0, <length>)".
+    KNBoundsErr(std::size_t index, std::size_t length);
+    ~KNBoundsErr() override;
+
+    std::size_t index() const noexcept { return index_; }
+    std::size_t length() const noexcept { return length_; }
+
+    [[noreturn]] void raise() const override;
+
+private:
+    std::size_t index_;
+    std::size_t length_;
+};
+
+#endif

@@ -1,0 +1,31 @@
+#ifndef KN_FOUNDATION_KNCSTRING_H
+#define KN_FOUNDATION_KNCSTRING_H
+
+// The byte string every text of the library is held in, and the ASCII-only helpers that
+// compare, lower-case and hash it. Every test on characters is a byte test.
+
+#include <foundation/KNExport.h>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+using KNCString = std::string;
+using KNCStringList = std::vector<KNCString>;
+
+inline constexpr char knToLowerAscii(char c) noexcept
+{
+    return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// True when both texts have the same length and equal bytes, ignoring ASCII case.
+KNMIME_EXPORT bool knEqualsIgnoreCase(std::string_view a, std::string_view b) noexcept;
+
+// A copy of the text with A-Z turned into a-z; every other byte is kept.
+KNMIME_EXPORT KNCString knToLower(std::string_view text);
+
+// Hash of the exact bytes (case-sensitive), stable within one process.
+KNMIME_EXPORT std::size_t knHash(std::string_view text) noexcept;
+
+#endif

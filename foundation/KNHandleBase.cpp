@@ -1,0 +1,52 @@
+#include <foundation/KNHandleBase.h>
+
+#include <foundation/KNTHRInvalidPointer.h>
+
+KNHandleBase::KNHandleBase(KNBodyBase* body) noexcept : body_(body)
+{
+    if (body_ != nullptr)
+        body_->addReference();
+}
+
+KNHandleBase::KNHandleBase(const KNHandleBase& other) noexcept : KNHandleBase(other.body_) {}
+
+KNHandleBase& KNHandleBase::operator=(const KNHandleBase& other) noexcept
+{
+    rebind(other.body_);
+    return *this;
+}
+
+KNHandleBase::~KNHandleBase()
+{
+    release(body_);
+}
+
+KNBodyBase* KNHandleBase::checkedBody() const
+{
+    if (body_ == nullptr)
+        throwInvalidPointer();
+    return body_;
+}
+
+void KNHandleBase::rebind(KNBodyBase* body) noexcept
+{
+    if (body == body_)
+        return;
+    // Take the new reference before dropping the old one: the old body may own the new one.
+    if (body != nullptr)
+        body->addReference();
+    KNBodyBase* old = body_;
+    body_ = body;
+    release(old);
+}
+
+void KNHandleBase::throwInvalidPointer()
+{
+    throw KNTHRInvalidPointer();
+}
+
+void KNHandleBase::release(KNBodyBase* body) noexcept
+{
+    if (body != nullptr && body->dropReference())
+        delete body;
+}

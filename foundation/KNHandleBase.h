@@ -1,0 +1,52 @@
+#ifndef KN_FOUNDATION_KNHANDLEBASE_H
+#define KN_FOUNDATION_KNHANDLEBASE_H
+
+// Base of every handle: one counted reference to a shared body, or none.
+//
+// Copying a handle shares the body; the last handle to let go deletes it. A handle class
+// states only what is its own: a constructor adopting its body type and a typed body()
+// built on checkedBody().
+
+#include <foundation/KNBodyBase.h>
+#include <foundation/KNExport.h>
+
+class KNMIME_EXPORT KNHandleBase {
+public:
+    KNHandleBase(const KNHandleBase& other) noexcept;
+    KNHandleBase& operator=(const KNHandleBase& other) noexcept;
+
+    // True when both handles refer to the very same body (identity, not value).
+    bool sharesBodyWith(const KNHandleBase& other) const noexcept { return body_ == other.body_; }
+    bool isEmpty() const noexcept { return body_ == nullptr; }
+
+protected:
+    // Adopts the body (null gives an empty handle) and adds one reference to it.
+    explicit KNHandleBase(KNBodyBase* body = nullptr) noexcept;
+    ~KNHandleBase();
+
+    // The body, or KNTHRInvalidPointer ("Invalid pointer") for an empty handle.
+    KNBodyBase* checkedBody() const;
+
+    // The body as the given body class; an empty handle, or a body of another class,
+    // throws KNTHRInvalidPointer.
+    template <class Body>
+    Body* bodyAs() const
+    {
+        Body* typed = dynamic_cast<Body*>(checkedBody());
+        if (typed == nullptr)
+            throwInvalidPointer();
+        return typed;
+    }
+
+    // Refers to another body from now on, releasing the current one.
+    void rebind(KNBodyBase* body) noexcept;
+
+    [[noreturn]] static void throwInvalidPointer();
+
+private:
+    static void release(KNBodyBase* body) noexcept;
+
+    KNBodyBase* body_;
+};
+
+#endif

@@ -1,0 +1,21 @@
+#ifndef KN_FOUNDATION_KNONCE_H
+#define KN_FOUNDATION_KNONCE_H
+
+// A once-only guard: the first caller runs the initialiser, every other caller waits for it.
+
+#include <mutex>
+#include <utility>
+
+class KNOnce {
+public:
+    template <class F>
+    void run(F&& initialiser)
+    {
+        std::call_once(flag_, std::forward<F>(initialiser));
+    }
+
+private:
+    std::once_flag flag_;
+};
+
+#endif

@@ -1,0 +1,48 @@
+#ifndef KN_FOUNDATION_KNTFUNCTORR0_H
+#define KN_FOUNDATION_KNTFUNCTORR0_H
+
+// A copyable callable with no arguments returning R. Copies share one target, so two
+// registrations made from the same functor are the very same creator object.
+
+#include <foundation/KNTHRInvalidPointer.h>
+
+#include <functional>
+#include <memory>
+#include <type_traits>
+#include <utility>
+
+template <class R>
+class KNTFunctorR0 {
+public:
+    KNTFunctorR0() noexcept = default;
+
+    template <class F,
+              class = std::enable_if_t<!std::is_same_v<std::decay_t<F>, KNTFunctorR0> &&
+                                       std::is_invocable_r_v<R, F&>>>
+    KNTFunctorR0(F&& callable) // NOLINT: converting on purpose, like std::function
+    {
+        if constexpr (std::is_pointer_v<std::decay_t<F>>) {
+            if (callable == nullptr)
+                return;
+        }
+        target_ = std::make_shared<const std::function<R()>>(std::forward<F>(callable));
+    }
+
+    // Calls the target; an empty functor throws KNTHRInvalidPointer.
+    R operator()() const
+    {
+        if (!target_)
+            throw KNTHRInvalidPointer();
+        return (*target_)();
+    }
+
+    explicit operator bool() const noexcept { return static_cast<bool>(target_); }
+
+    // True when both functors were copied from one another (or are both empty).
+    bool sharesTargetWith(const KNTFunctorR0& other) const noexcept { return target_ == other.target_; }
+
+private:
+    std::shared_ptr<const std::function<R()>> target_;
+};
+
+#endif

@@ -1,0 +1,10 @@
+#include <foundation/KNTHRInvalidPointer.h>
+
+KNTHRInvalidPointer::KNTHRInvalidPointer() : KNxmsg(KNCString("Invalid pointer")) {}
+
+KNTHRInvalidPointer::~KNTHRInvalidPointer() = default;
+
+void KNTHRInvalidPointer::raise() const
+{
+    throw *this;
+}

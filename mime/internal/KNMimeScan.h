@@ -1,0 +1,34 @@
+#ifndef KN_MIME_INTERNAL_KNMIMESCAN_H
+#define KN_MIME_INTERNAL_KNMIMESCAN_H
+
+// Lexical scanners over views of header text, shared by the parsers inside the library.
+// KNMimeUtils offers the same operations on whole strings; these take a view and a start
+// offset so that parsers can walk one text by offsets instead of erasing pieces from its
+// front and searching again. Not installed: internal to the library.
+
+#include <foundation/KNCString.h>
+
+#include <cstddef>
+#include <string_view>
+
+namespace KNMimeScan {
+
+// Position of the first `delim` at or after `from` outside quoted strings and comments,
+// scanning from `from` in the unquoted state; npos when there is none.
+std::size_t findDelimiter(std::string_view text, char delim, std::size_t from = 0) noexcept;
+
+// True for a non-empty text whose bytes before the first NUL are all token bytes.
+bool isToken(std::string_view text) noexcept;
+
+// The cleaned token (see KNMimeUtils::cleanToken).
+KNCString cleanToken(std::string_view text, bool unquote);
+
+// The unfolded and trimmed text (see KNMimeUtils::unfoldAndTrim).
+KNCString unfoldAndTrim(std::string_view text);
+
+// Appends the folded form of `text` (see KNMimeUtils::fold) to `out`.
+void appendFolded(KNCString& out, std::string_view text);
+
+} // namespace KNMimeScan
+
+#endif

@@ -1,0 +1,42 @@
+#ifndef KN_MIME_KNMIMECONTENTTYPEIMP_H
+#define KN_MIME_KNMIMECONTENTTYPEIMP_H
+
+// The shared body of a content type: media type, subtype and parameter list.
+
+#include <foundation/KNBodyBase.h>
+#include <foundation/KNCString.h>
+#include <foundation/KNExport.h>
+#include <mime/KNMimeParameterList.h>
+
+class KNMIME_EXPORT KNMimeContentTypeImp : public KNBodyBase,
+                                           public KNMimeParameterAccess<KNMimeContentTypeImp> {
+public:
+    KNMimeContentTypeImp();
+    KNMimeContentTypeImp(KNCString mediaType, KNCString subType, KNMimeParameterList parameters);
+    ~KNMimeContentTypeImp() override;
+
+    // type/subtype followed by the parameters; KNMimeError (INVALID_TOKEN) when the media
+    // type, the subtype or a parameter name is not a token.
+    virtual KNCString asString() const;
+    // A new, unreferenced body holding a member-wise copy.
+    virtual KNMimeContentTypeImp* copy() const;
+
+    const KNCString& getMediaType() const { return mediaType_; }
+    void setMediaType(const KNCString& mediaType);
+    const KNCString& getSubType() const { return subType_; }
+    void setSubType(const KNCString& subType);
+
+    KNMimeParameterList& parameterList() { return parameters_; }
+    const KNMimeParameterList& parameterList() const { return parameters_; }
+
+private:
+    KNCString mediaType_;
+    KNCString subType_;
+    KNMimeParameterList parameters_;
+};
+
+// Media types and subtypes compare ignoring case, parameter lists as lists do.
+KNMIME_EXPORT bool operator==(const KNMimeContentTypeImp& a, const KNMimeContentTypeImp& b);
+KNMIME_EXPORT bool operator!=(const KNMimeContentTypeImp& a, const KNMimeContentTypeImp& b);
+
+#endif

@@ -1,0 +1,43 @@
+#ifndef KN_MIME_KNMIMEPARAMETER_H
+#define KN_MIME_KNMIMEPARAMETER_H
+
+// One name=value parameter of a structured header value, held as a plain value: the name
+// as given, the value unquoted and unescaped.
+
+#include <foundation/KNCString.h>
+#include <foundation/KNExport.h>
+
+#include <string_view>
+
+class KNMIME_EXPORT KNMimeParameter {
+public:
+    KNMimeParameter();
+    KNMimeParameter(const KNCString& name, const KNCString& value);
+
+    KNCString getName() const;
+    void setName(const KNCString& name);
+    KNCString getValue() const;
+    void setValue(const KNCString& value);
+
+    // Parses name=value (split at the first '=' outside quotes and comments, both sides
+    // cleaned and unquoted); KNMimeParseError when there is no '=', leaving this unchanged.
+    void fromString(const KNCString& text);
+    // name="value" with the value always quoted; KNMimeError when the name is no token.
+    KNCString asString() const;
+
+private:
+    friend class KNMimeParameterList;
+    friend KNMIME_EXPORT bool operator==(const KNMimeParameter& a, const KNMimeParameter& b);
+
+    static KNMimeParameter parsed(std::string_view text);
+    void appendTo(KNCString& out) const;
+
+    KNCString name_;
+    KNCString value_;
+};
+
+// Names compare ignoring case, values exactly.
+KNMIME_EXPORT bool operator==(const KNMimeParameter& a, const KNMimeParameter& b);
+KNMIME_EXPORT bool operator!=(const KNMimeParameter& a, const KNMimeParameter& b);
+
+#endif

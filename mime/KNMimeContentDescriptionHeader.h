@@ -1,0 +1,21 @@
+#ifndef KN_MIME_KNMIMECONTENTDESCRIPTIONHEADER_H
+#define KN_MIME_KNMIMECONTENTDESCRIPTIONHEADER_H
+
+// The Content-Description header: free text describing a part, kept exactly as given.
+
+#include <mime/KNMimeTypedHeader.h>
+#include <mime/KNMimeUnstructuredHeaderImp.h>
+
+class KNMIME_EXPORT KNMimeContentDescriptionHeader
+    : public KNMimeTypedHeader<KNMimeContentDescriptionHeader, KNMimeUnstructuredHeaderImp> {
+public:
+    using KNMimeTypedHeader::KNMimeTypedHeader;
+    explicit KNMimeContentDescriptionHeader(const KNCString& description);
+
+    static const KNCString Label; // "Content-Description"
+
+    KNCString getDescription() const;
+    void setDescription(const KNCString& description);
+};
+
+#endif

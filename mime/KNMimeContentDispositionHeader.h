@@ -1,0 +1,23 @@
+#ifndef KN_MIME_KNMIMECONTENTDISPOSITIONHEADER_H
+#define KN_MIME_KNMIMECONTENTDISPOSITIONHEADER_H
+
+// The Content-Disposition header: its value is a disposition type with parameters.
+
+#include <mime/KNMimeContentDisposition.h>
+#include <mime/KNMimeContentDispositionHeaderImp.h>
+#include <mime/KNMimeTypedHeader.h>
+
+class KNMIME_EXPORT KNMimeContentDispositionHeader
+    : public KNMimeTypedHeader<KNMimeContentDispositionHeader, KNMimeContentDispositionHeaderImp> {
+public:
+    using KNMimeTypedHeader::KNMimeTypedHeader;
+    explicit KNMimeContentDispositionHeader(const KNMimeContentDisposition& disposition);
+
+    static const KNCString Label; // "Content-Disposition"
+
+    // The held disposition, shared: changing it changes this header.
+    KNMimeContentDisposition getContentDisposition() const;
+    void setContentDisposition(const KNMimeContentDisposition& disposition);
+};
+
+#endif

@@ -1,0 +1,20 @@
+#ifndef KN_MIME_KNMIMECONTENTIDHEADER_H
+#define KN_MIME_KNMIMECONTENTIDHEADER_H
+
+// The Content-ID header: the identifier text of a part, angle brackets included as given.
+
+#include <mime/KNMimeStructuredHeaderImp.h>
+#include <mime/KNMimeTypedHeader.h>
+
+class KNMIME_EXPORT KNMimeContentIdHeader : public KNMimeTypedHeader<KNMimeContentIdHeader, KNMimeStructuredHeaderImp> {
+public:
+    using KNMimeTypedHeader::KNMimeTypedHeader;
+    explicit KNMimeContentIdHeader(const KNCString& id);
+
+    static const KNCString Label; // "Content-ID"
+
+    KNCString getId() const;
+    void setId(const KNCString& id);
+};
+
+#endif

@@ -1,0 +1,22 @@
+#ifndef KN_MIME_KNMIMECONTENTTRANSFERENCODINGHEADER_H
+#define KN_MIME_KNMIMECONTENTTRANSFERENCODINGHEADER_H
+
+// The Content-Transfer-Encoding header: its value is the name of the body's encoding.
+
+#include <mime/KNMimeContentTransferEncodingHeaderImp.h>
+#include <mime/KNMimeTypedHeader.h>
+
+class KNMIME_EXPORT KNMimeContentTransferEncodingHeader
+    : public KNMimeTypedHeader<KNMimeContentTransferEncodingHeader, KNMimeContentTransferEncodingHeaderImp> {
+public:
+    using KNMimeTypedHeader::KNMimeTypedHeader;
+    explicit KNMimeContentTransferEncodingHeader(const KNCString& encoding);
+
+    static const KNCString Label; // "Content-Transfer-Encoding"
+
+    KNCString getEncoding() const;
+    // Stored as given; checked only when printed.
+    void setEncoding(const KNCString& encoding);
+};
+
+#endif

@@ -1,0 +1,32 @@
+#ifndef KN_MIME_KNMIMECONTENTTRANSFERENCODINGHEADERIMP_H
+#define KN_MIME_KNMIMECONTENTTRANSFERENCODINGHEADERIMP_H
+
+// Header body of a Content-Transfer-Encoding field: the encoding name, case kept.
+
+#include <mime/KNMimeHeaderImp.h>
+
+class KNMimeHeader;
+
+class KNMIME_EXPORT KNMimeContentTransferEncodingHeaderImp : public KNMimeHeaderImp {
+public:
+    KNMimeContentTransferEncodingHeaderImp() = default;
+    KNMimeContentTransferEncodingHeaderImp(const KNMimeContentTransferEncodingHeaderImp& other) = default;
+    ~KNMimeContentTransferEncodingHeaderImp() override;
+
+    static KNMimeHeader make();
+
+    // Refuses an encoding that is not a token (an empty one included).
+    KNCString getValueAsString() const override;
+    void setValueFromString(const KNCString& text) override;
+    KNMimeContentTransferEncodingHeaderImp* copy() const override;
+    // Encoding names compare ignoring case.
+    bool compareValueTo(const KNMimeHeaderImp& other) const override;
+
+    KNCString getEncoding() const { return encoding_; }
+    void setEncoding(const KNCString& encoding) { encoding_ = encoding; }
+
+private:
+    KNCString encoding_;
+};
+
+#endif

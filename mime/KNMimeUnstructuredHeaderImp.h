@@ -1,0 +1,31 @@
+#ifndef KN_MIME_KNMIMEUNSTRUCTUREDHEADERIMP_H
+#define KN_MIME_KNMIMEUNSTRUCTUREDHEADERIMP_H
+
+// Header body for free text (Content-Description and every label the factory does not
+// know): the value is kept exactly as given.
+
+#include <mime/KNMimeHeaderImp.h>
+
+class KNMimeHeader;
+
+class KNMIME_EXPORT KNMimeUnstructuredHeaderImp : public KNMimeHeaderImp {
+public:
+    KNMimeUnstructuredHeaderImp() = default;
+    KNMimeUnstructuredHeaderImp(const KNMimeUnstructuredHeaderImp& other) = default;
+    ~KNMimeUnstructuredHeaderImp() override;
+
+    // A header handle over a new default body of this class: a factory creator.
+    static KNMimeHeader make();
+
+    KNCString getValueAsString() const override;
+    void setValueFromString(const KNCString& text) override;
+    KNMimeUnstructuredHeaderImp* copy() const override;
+
+    KNCString getValue() const { return value_; }
+    void setValue(const KNCString& value) { value_ = value; }
+
+private:
+    KNCString value_;
+};
+
+#endif

@@ -1,0 +1,37 @@
+#ifndef KN_MIME_KNMIMEVERSIONHEADERIMP_H
+#define KN_MIME_KNMIMEVERSIONHEADERIMP_H
+
+// Header body of a MIME-Version field: a major and a minor number, 1.0 when new.
+
+#include <mime/KNMimeHeaderImp.h>
+
+class KNMimeHeader;
+
+class KNMIME_EXPORT KNMimeVersionHeaderImp : public KNMimeHeaderImp {
+public:
+    KNMimeVersionHeaderImp() = default;
+    KNMimeVersionHeaderImp(const KNMimeVersionHeaderImp& other) = default;
+    ~KNMimeVersionHeaderImp() override;
+
+    static KNMimeHeader make();
+
+    KNCString getValueAsString() const override;
+    // Reads "major.minor" (comments allowed); a number read before a failure stays set.
+    void setValueFromString(const KNCString& text) override;
+    KNMimeVersionHeaderImp* copy() const override;
+    bool compareValueTo(const KNMimeHeaderImp& other) const override;
+
+    unsigned getMajorVersion() const { return majorVersion_; }
+    unsigned getMinorVersion() const { return minorVersion_; }
+    void setVersion(unsigned majorVersion, unsigned minorVersion)
+    {
+        majorVersion_ = majorVersion;
+        minorVersion_ = minorVersion;
+    }
+
+private:
+    unsigned majorVersion_ = 1;
+    unsigned minorVersion_ = 0;
+};
+
+#endif

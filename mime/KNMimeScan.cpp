@@ -1,0 +1,266 @@
+#include <mime/internal/KNMimeScan.h>
+
+#include <cstring>
+
+namespace {
+
+constexpr std::size_t lineLimit = 78;
+
+constexpr bool isWhitespace(char c) noexcept
+{
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+constexpr bool isBlank(char c) noexcept
+{
+    return c == ' ' || c == '\t';
+}
+
+// Bytes that may not appear in a token: the separators, the blank, controls 1 to 31 and DEL.
+// Eight-bit bytes are token bytes.
+struct NonTokenTable {
+    bool flags[256] = {};
+
+    constexpr NonTokenTable()
+    {
+        for (const char* p = " ()<>@,;:\\\"/[]?="; *p != '\0'; ++p)
+            flags[static_cast<unsigned char>(*p)] = true;
+        for (int c = 1; c < 32; ++c)
+            flags[c] = true;
+        flags[127] = true;
+    }
+};
+
+constexpr NonTokenTable nonToken;
+
+// Position of the next CR LF pair at or after `from`, or the length of the text.
+std::size_t findCrlf(std::string_view text, std::size_t from) noexcept
+{
+    const char* const base = text.data();
+    const std::size_t n = text.size();
+    while (from + 1 < n) {
+        const void* cr = std::memchr(base + from, '\r', n - 1 - from);
+        if (cr == nullptr)
+            break;
+        const std::size_t at = static_cast<std::size_t>(static_cast<const char*>(cr) - base);
+        if (base[at + 1] == '\n')
+            return at;
+        from = at + 1;
+    }
+    return n;
+}
+
+bool hasNonBlank(std::string_view text, std::size_t from, std::size_t to) noexcept
+{
+    for (std::size_t i = from; i < to; ++i)
+        if (!isBlank(text[i]))
+            return true;
+    return false;
+}
+
+// Where to break the line [p, e), which is longer than the limit: preferably at the last
+// blank within the limit (unless only blanks precede it), else at the first blank past
+// it. Returns e when the line has no usable blank.
+std::size_t foldPoint(std::string_view text, std::size_t p, std::size_t e) noexcept
+{
+    std::size_t b = p + lineLimit;
+    while (b > p && !isBlank(text[b]))
+        --b;
+    if (b != p && hasNonBlank(text, p, b))
+        return b;
+    std::size_t f = p + lineLimit + 1;
+    while (f < e && !isBlank(text[f]))
+        ++f;
+    return f;
+}
+
+} // namespace
+
+namespace KNMimeScan {
+
+std::size_t findDelimiter(std::string_view text, char delim, std::size_t from) noexcept
+{
+    enum { Normal, Quoted, Comment } state = Normal;
+    std::size_t depth = 0;
+    const std::size_t n = text.size();
+    for (std::size_t i = from; i < n; ++i) {
+        const char c = text[i];
+        switch (state) {
+        case Normal:
+            // The delimiter test comes first so that '"' or '(' can be delimiters too.
+            if (c == delim)
+                return i;
+            if (c == '"') {
+                state = Quoted;
+            } else if (c == '(') {
+                state = Comment;
+                depth = 1;
+            }
+            break;
+        case Quoted:
+            if (c == '\\')
+                ++i;
+            else if (c == '"')
+                state = Normal;
+            break;
+        case Comment:
+            if (c == '\\') {
+                ++i;
+            } else if (c == '(') {
+                ++depth;
+            } else if (c == ')') {
+                if (depth == 1)
+                    state = Normal;
+                --depth;
+            }
+            break;
+        }
+    }
+    return std::string_view::npos;
+}
+
+bool isToken(std::string_view text) noexcept
+{
+    if (text.empty())
+        return false;
+    for (const char c : text) {
+        if (c == '\0')
+            break;
+        if (nonToken.flags[static_cast<unsigned char>(c)])
+            return false;
+    }
+    return true;
+}
+
+KNCString cleanToken(std::string_view text, bool unquote)
+{
+    enum { Normal, Quoted, Comment, Blanks } state = Normal;
+    std::size_t depth = 0;
+    // Set when white space was copied inside quotes: such a trailing blank is data and stays.
+    bool quotedSpace = false;
+    KNCString out;
+    out.reserve(text.size());
+    const std::size_t n = text.size();
+    std::size_t i = 0;
+    while (i < n) {
+        const char c = text[i];
+        switch (state) {
+        case Normal:
+            if (c == '"') {
+                if (!unquote)
+                    out += c;
+                state = Quoted;
+            } else if (c == '(') {
+                state = Comment;
+                depth = 1;
+            } else if (isWhitespace(c)) {
+                if (!out.empty() && !isWhitespace(out.back())) {
+                    out += ' ';
+                    quotedSpace = false;
+                }
+                state = Blanks;
+            } else {
+                out += c;
+            }
+            break;
+        case Quoted:
+            if (c == '"') {
+                if (!unquote)
+                    out += c;
+                state = Normal;
+            } else if (c == '\\') {
+                if (!unquote)
+                    out += c;
+                if (i + 1 < n) {
+                    ++i;
+                    out += text[i];
+                    quotedSpace = quotedSpace || isWhitespace(text[i]);
+                }
+            } else if (c != '\r' && c != '\n') {
+                out += c;
+                quotedSpace = quotedSpace || isWhitespace(c);
+            }
+            break;
+        case Comment:
+            if (c == '\\') {
+                ++i;
+            } else if (c == '(') {
+                ++depth;
+            } else if (c == ')') {
+                if (depth == 1)
+                    state = Normal;
+                --depth;
+            }
+            break;
+        case Blanks:
+            if (!isWhitespace(c)) {
+                state = Normal;
+                continue; // handled again in the normal state
+            }
+            break;
+        }
+        ++i;
+    }
+    if (!out.empty() && isWhitespace(out.back()) && !quotedSpace)
+        out.pop_back();
+    return out;
+}
+
+KNCString unfoldAndTrim(std::string_view text)
+{
+    // Trimming first gives the same result as unfolding first: a fold is white space only,
+    // so it lies either wholly inside the kept range or wholly outside it.
+    std::size_t first = 0;
+    std::size_t last = text.size();
+    while (first < last && isWhitespace(text[first]))
+        ++first;
+    while (last > first && isWhitespace(text[last - 1]))
+        --last;
+
+    KNCString out;
+    out.reserve(last - first);
+    const char* const base = text.data();
+    std::size_t run = first;
+    std::size_t i = first;
+    while (i < last) {
+        const void* cr = std::memchr(base + i, '\r', last - i);
+        if (cr == nullptr)
+            break;
+        const std::size_t at = static_cast<std::size_t>(static_cast<const char*>(cr) - base);
+        if (at + 2 < last && base[at + 1] == '\n' && isBlank(base[at + 2])) {
+            out.append(base + run, at - run);
+            run = at + 2; // the blank or tab stays
+            i = at + 3;
+        } else {
+            i = at + 1;
+        }
+    }
+    out.append(base + run, last - run);
+    return out;
+}
+
+void appendFolded(KNCString& out, std::string_view text)
+{
+    const std::size_t n = text.size();
+    // Two consecutive folded pieces of one line span more than the limit, so this many
+    // inserted line breaks is an upper bound.
+    out.reserve(out.size() + n + n / 16 + 16);
+    std::size_t p = 0;
+    while (p < n) {
+        const std::size_t e = findCrlf(text, p);
+        while (e - p > lineLimit) {
+            const std::size_t b = foldPoint(text, p, e);
+            if (b == e)
+                break;
+            out.append(text.data() + p, b - p);
+            out.append("\r\n", 2);
+            p = b;
+        }
+        out.append(text.data() + p, e - p);
+        if (e != n)
+            out.append("\r\n", 2);
+        p = e + 2;
+    }
+}
+
+} // namespace KNMimeScan

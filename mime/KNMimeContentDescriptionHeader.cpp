@@ -1,0 +1,18 @@
+#include <mime/KNMimeContentDescriptionHeader.h>
+
+const KNCString KNMimeContentDescriptionHeader::Label = "Content-Description";
+
+KNMimeContentDescriptionHeader::KNMimeContentDescriptionHeader(const KNCString& description)
+{
+    setDescription(description);
+}
+
+KNCString KNMimeContentDescriptionHeader::getDescription() const
+{
+    return body()->getValue();
+}
+
+void KNMimeContentDescriptionHeader::setDescription(const KNCString& description)
+{
+    body()->setValue(description);
+}

@@ -1,0 +1,18 @@
+#include <mime/KNMimeContentLocationHeader.h>
+
+const KNCString KNMimeContentLocationHeader::Label = "Content-Location";
+
+KNMimeContentLocationHeader::KNMimeContentLocationHeader(const KNCString& uri)
+{
+    setURI(uri);
+}
+
+KNCString KNMimeContentLocationHeader::getURI() const
+{
+    return body()->getValue();
+}
+
+void KNMimeContentLocationHeader::setURI(const KNCString& uri)
+{
+    body()->setValue(uri);
+}

@@ -1,0 +1,84 @@
+#include <mime/KNMimeHeader.h>
+
+#include <foundation/KNMessage.h>
+#include <mime/KNMimeError.h>
+#include <mime/KNMimeHeaderFactory.h>
+#include <mime/KNMimeHeaderImp.h>
+#include <mime/KNMimeMessages.h>
+#include <mime/internal/KNMimeScan.h>
+
+#include <cstddef>
+#include <string_view>
+
+KNMimeHeader::KNMimeHeader() : KNMimeHeader(KNMimeHeaderFactory::instance()->create(KNCString())) {}
+
+// The body class follows the case-insensitive lookup; the label keeps the caller's spelling.
+KNMimeHeader::KNMimeHeader(const KNCString& label) : KNMimeHeader(KNMimeHeaderFactory::instance()->create(label))
+{
+    body()->setLabel(label);
+}
+
+KNMimeHeader::KNMimeHeader(KNMimeHeaderImp* body) : KNHandleBase(body) {}
+
+KNMimeHeader::~KNMimeHeader() = default;
+
+KNCString KNMimeHeader::getLabel() const
+{
+    return body()->getLabel();
+}
+
+KNCString KNMimeHeader::asString() const
+{
+    return body()->asString();
+}
+
+// The new header is built aside and bound only once its value has parsed, so a failure
+// at any step leaves this handle, and every handle sharing its body, as it was.
+void KNMimeHeader::fromString(const KNCString& text)
+{
+    checkedBody();
+    const std::string_view line(text);
+    const std::size_t colon = KNMimeScan::findDelimiter(line, ':');
+    if (colon == std::string_view::npos)
+        KNThrow(KNMimeParseError(KNMessage(knmime_MISSING_HEADER_SEPARATOR())));
+    const KNCString label = KNMimeScan::cleanToken(line.substr(0, colon), true);
+    // The refusal names the label this handle had, not the parsed one.
+    if (!checkLabel(label))
+        throwConversionRefused(getLabel());
+    const KNCString value = KNMimeScan::unfoldAndTrim(line.substr(colon + 1));
+    KNMimeHeader parsed(label);
+    // An empty value keeps the default of the body class (text/plain for Content-Type).
+    if (!value.empty())
+        parsed.body()->setValueFromString(value);
+    KNHandleBase::operator=(parsed);
+}
+
+KNMimeHeader KNMimeHeader::copy() const
+{
+    return KNMimeHeader(body()->copy());
+}
+
+bool KNMimeHeader::checkLabel(const KNCString&) const
+{
+    return true;
+}
+
+KNMimeHeaderImp* KNMimeHeader::body() const
+{
+    return bodyAs<KNMimeHeaderImp>();
+}
+
+void KNMimeHeader::throwConversionRefused(const KNCString& label)
+{
+    KNThrow(KNMimeError(KNMessage(knmime_INVALID_HEADER_CONVERSION(), label)));
+}
+
+bool operator==(const KNMimeHeader& a, const KNMimeHeader& b)
+{
+    return *a.body() == *b.body();
+}
+
+bool operator!=(const KNMimeHeader& a, const KNMimeHeader& b)
+{
+    return !(a == b);
+}

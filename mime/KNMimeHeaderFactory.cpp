@@ -1,0 +1,76 @@
+#include <mime/KNMimeHeaderFactory.h>
+
+#include <foundation/KNOnce.h>
+#include <foundation/KNTHRInvalidPointer.h>
+#include <mime/KNMimeContentDispositionHeaderImp.h>
+#include <mime/KNMimeContentTransferEncodingHeaderImp.h>
+#include <mime/KNMimeContentTypeHeaderImp.h>
+#include <mime/KNMimeStructuredHeaderImp.h>
+#include <mime/KNMimeUnstructuredHeaderImp.h>
+#include <mime/KNMimeVersionHeaderImp.h>
+
+#include <new>
+#include <utility>
+
+namespace {
+
+// A prime comfortably above the built-in registrations plus an application's own.
+constexpr std::size_t initialBuckets = 61;
+
+} // namespace
+
+KNTCountingPointer<KNMimeHeaderFactory, KNAtomicCounter> KNMimeHeaderFactory::instance()
+{
+    // Local statics, so a header made during another file's static initialisation still
+    // finds them ready; the guard makes concurrent first callers wait for one construction.
+    static KNOnce once;
+    static KNTCountingPointer<KNMimeHeaderFactory, KNAtomicCounter> factory;
+    once.run([] { factory = KNTCountingPointer<KNMimeHeaderFactory, KNAtomicCounter>(new (std::nothrow) KNMimeHeaderFactory); });
+    return factory;
+}
+
+// The labels are literals, not the typed headers' Label constants, which may not be
+// initialised yet when the first header is made during static initialisation.
+KNMimeHeaderFactory::KNMimeHeaderFactory()
+    : creators_(initialBuckets), defaultCreator_(&KNMimeUnstructuredHeaderImp::make)
+{
+    const Creator structured(&KNMimeStructuredHeaderImp::make);
+    setHeaderFunctor("Content-Description", defaultCreator_);
+    setHeaderFunctor("Content-Disposition", &KNMimeContentDispositionHeaderImp::make);
+    setHeaderFunctor("Content-Id", structured);
+    setHeaderFunctor("Content-Location", structured);
+    setHeaderFunctor("Content-Transfer-Encoding", &KNMimeContentTransferEncodingHeaderImp::make);
+    setHeaderFunctor("Content-Type", &KNMimeContentTypeHeaderImp::make);
+    setHeaderFunctor("MIME-Version", &KNMimeVersionHeaderImp::make);
+}
+
+KNMimeHeaderFactory::~KNMimeHeaderFactory() = default;
+
+KNMimeHeader KNMimeHeaderFactory::create(const KNCString& label) const
+{
+    const auto found = creators_.find(knToLower(label));
+    const Creator& creator = found != creators_.end() ? found->second : defaultCreator_;
+    if (!creator)
+        throw KNTHRInvalidPointer();
+    return creator();
+}
+
+bool KNMimeHeaderFactory::contains(const KNCString& label) const
+{
+    return creators_.find(knToLower(label)) != creators_.end();
+}
+
+void KNMimeHeaderFactory::setHeaderFunctor(const KNCString& label, KNTFunctorR0<KNMimeHeader> creator)
+{
+    creators_.try_emplace(knToLower(label), std::move(creator));
+}
+
+void KNMimeHeaderFactory::unsetHeaderFunctor(const KNCString& label)
+{
+    creators_.erase(knToLower(label));
+}
+
+void KNMimeHeaderFactory::setDefaultHeaderFunctor(KNTFunctorR0<KNMimeHeader> creator)
+{
+    defaultCreator_ = std::move(creator);
+}

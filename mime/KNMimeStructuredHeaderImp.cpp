@@ -1,0 +1,26 @@
+#include <mime/KNMimeStructuredHeaderImp.h>
+
+#include <mime/KNMimeHeader.h>
+#include <mime/internal/KNMimeScan.h>
+
+KNMimeStructuredHeaderImp::~KNMimeStructuredHeaderImp() = default;
+
+KNMimeHeader KNMimeStructuredHeaderImp::make()
+{
+    return KNMimeHeader(new KNMimeStructuredHeaderImp);
+}
+
+KNCString KNMimeStructuredHeaderImp::getValueAsString() const
+{
+    return value_;
+}
+
+void KNMimeStructuredHeaderImp::setValueFromString(const KNCString& text)
+{
+    value_ = KNMimeScan::cleanToken(text, false);
+}
+
+KNMimeStructuredHeaderImp* KNMimeStructuredHeaderImp::copy() const
+{
+    return new KNMimeStructuredHeaderImp(*this);
+}

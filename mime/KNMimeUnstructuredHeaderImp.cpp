@@ -1,0 +1,26 @@
+#include <mime/KNMimeUnstructuredHeaderImp.h>
+
+#include <mime/KNMimeHeader.h>
+
+KNMimeUnstructuredHeaderImp::~KNMimeUnstructuredHeaderImp() = default;
+
+KNMimeHeader KNMimeUnstructuredHeaderImp::make()
+{
+    return KNMimeHeader(new KNMimeUnstructuredHeaderImp);
+}
+
+KNCString KNMimeUnstructuredHeaderImp::getValueAsString() const
+{
+    return value_;
+}
+
+// Free text is kept byte for byte: encoded words are neither decoded nor checked.
+void KNMimeUnstructuredHeaderImp::setValueFromString(const KNCString& text)
+{
+    value_ = text;
+}
+
+KNMimeUnstructuredHeaderImp* KNMimeUnstructuredHeaderImp::copy() const
+{
+    return new KNMimeUnstructuredHeaderImp(*this);
+}

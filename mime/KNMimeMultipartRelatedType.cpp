@@ -23,7 +23,10 @@ KNMimeMultipartRelatedType::KNMimeMultipartRelatedType(const KNMimeContentType& 
         throwInvalidConversion();
 }
 
-KNMimeMultipartRelatedType::KNMimeMultipartRelatedType(KNMimeContentTypeImp* body) : KNMimeMultipartType(body) {}
+KNMimeMultipartRelatedType::KNMimeMultipartRelatedType(KNMimeContentTypeImp* body)
+    : KNMimeMultipartType(body)
+{
+}
 
 KNMimeMultipartRelatedType::~KNMimeMultipartRelatedType() = default;
 

@@ -66,10 +66,12 @@ void KNMimeParameter::appendTo(KNCString& out) const
     // Quoted even when the value is a plain token: readers expect one form only.
     const std::string_view value(value_);
     std::size_t from = 0;
-    for (std::size_t special; (special = value.find_first_of("\"\\", from)) != value.npos; from = special + 1) {
+    for (std::size_t special = value.find_first_of("\"\\"); special != value.npos;
+         special = value.find_first_of("\"\\", from)) {
         out.append(value, from, special - from);
         out += '\\';
         out += value[special];
+        from = special + 1;
     }
     out.append(value, from);
     out += '"';

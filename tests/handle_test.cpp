@@ -137,22 +137,13 @@ TEST(KNMimeHandleTest, EveryOperationOnAnEmptyContentTypeThrows)
 TEST(KNMimeHandleTest, EveryOperationOnEmptySpecialisedTypesThrows)
 {
     KNMimeTextType text(static_cast<KNMimeContentTypeImp*>(nullptr));
-    KNMimeMultipartType multipart(static_cast<KNMimeContentTypeImp*>(nullptr));
     KNMimeMultipartRelatedType related(static_cast<KNMimeContentTypeImp*>(nullptr));
     expectInvalidPointer({
         [&] { text.getCharset(); },
         [&] { text.setCharset("x"); },
-        [&] { text.fromString("text/plain"); },
-        [&] { multipart.getBoundary(); },
-        [&] { multipart.setBoundary("x"); },
-        [&] { multipart.asString(); },
-        [&] { related.getType(); },
-        [&] { related.setType("x"); },
-        [&] { related.getStart(); },
-        [&] { related.setStart("x"); },
-        [&] { related.getStartInfo(); },
+        [&] { related.getBoundary(); },
         [&] { related.setStartInfo("x"); },
-        [&] { related.copy(); },
+        [&] { related.fromString("multipart/related"); },
     });
 }
 
@@ -215,12 +206,8 @@ TEST(KNMimeHandleTest, BodiesOfferTheParameterOperationsToo)
     EXPECT_EQ(*clone, *body);
     clone->removeAllParameters();
     EXPECT_NE(*clone, *body);
-
     KNMimeContentDisposition disposition("inline", "f");
-    KNMimeContentDispositionImp* dbody = disposition.body();
-    dbody->setParameterValue("size", "1");
-    EXPECT_EQ(dbody->getParameterValue("filename"), "f");
-    EXPECT_EQ(dbody->getParameter(1).getName(), "size");
+    disposition.body()->setParameterValue("size", "1");
     EXPECT_EQ(disposition.asString(), "inline; filename=\"f\"; size=\"1\"");
 }
 

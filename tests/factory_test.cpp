@@ -9,6 +9,7 @@
 #include <mime/KNMimeGenericHeader.h>
 #include <mime/KNMimeHeader.h>
 #include <mime/KNMimeHeaderFactory.h>
+#include <mime/KNMimeHeaderImp.h>
 #include <mime/KNMimeStructuredHeaderImp.h>
 #include <mime/KNMimeUnstructuredHeaderImp.h>
 #include <mime/KNMimeVersionHeader.h>
@@ -27,7 +28,8 @@ using Factory = KNTCountingPointer<KNMimeHeaderFactory, KNAtomicCounter>;
 
 const std::type_info& bodyClass(const KNMimeHeader& header)
 {
-    return typeid(*header.body());
+    const KNMimeHeaderImp& body = *header.body();
+    return typeid(body);
 }
 
 template <class E, class F>

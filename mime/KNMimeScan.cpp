@@ -1,5 +1,6 @@
 #include <mime/internal/KNMimeScan.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -33,16 +34,41 @@ struct NonTokenTable {
 
 constexpr NonTokenTable nonToken;
 
+// Copies short runs byte by byte (the common case in dense text) and long ones with memcpy.
+inline char* copyBytes(char* w, const char* from, std::size_t count) noexcept
+{
+    if (count <= 8) {
+        for (std::size_t k = 0; k < count; ++k)
+            w[k] = from[k];
+    } else {
+        std::memcpy(w, from, count);
+    }
+    return w + count;
+}
+
+// Position of the first `c` in [from, to), or `to`. Looks at a few bytes inline before
+// calling memchr, whose call overhead dominates when the bytes sought are dense.
+inline std::size_t findByte(const char* base, std::size_t from, std::size_t to, char c) noexcept
+{
+    const std::size_t inlineEnd = std::min(to, from + 16);
+    for (; from < inlineEnd; ++from)
+        if (base[from] == c)
+            return from;
+    if (from == to)
+        return to;
+    const void* hit = std::memchr(base + from, c, to - from);
+    return hit == nullptr ? to : static_cast<std::size_t>(static_cast<const char*>(hit) - base);
+}
+
 // Position of the next CR LF pair at or after `from`, or the length of the text.
 std::size_t findCrlf(std::string_view text, std::size_t from) noexcept
 {
     const char* const base = text.data();
     const std::size_t n = text.size();
     while (from + 1 < n) {
-        const void* cr = std::memchr(base + from, '\r', n - 1 - from);
-        if (cr == nullptr)
+        const std::size_t at = findByte(base, from, n - 1, '\r');
+        if (at == n - 1)
             break;
-        const std::size_t at = static_cast<std::size_t>(static_cast<const char*>(cr) - base);
         if (base[at + 1] == '\n')
             return at;
         from = at + 1;
@@ -218,33 +244,38 @@ KNCString unfoldAndTrim(std::string_view text)
         --last;
 
     KNCString out;
-    out.reserve(last - first);
+    out.resize(last - first);
+    char* const begin = out.data();
+    char* w = begin;
     const char* const base = text.data();
     std::size_t run = first;
     std::size_t i = first;
     while (i < last) {
-        const void* cr = std::memchr(base + i, '\r', last - i);
-        if (cr == nullptr)
+        const std::size_t at = findByte(base, i, last, '\r');
+        if (at == last)
             break;
-        const std::size_t at = static_cast<std::size_t>(static_cast<const char*>(cr) - base);
         if (at + 2 < last && base[at + 1] == '\n' && isBlank(base[at + 2])) {
-            out.append(base + run, at - run);
+            w = copyBytes(w, base + run, at - run);
             run = at + 2; // the blank or tab stays
             i = at + 3;
         } else {
             i = at + 1;
         }
     }
-    out.append(base + run, last - run);
+    w = copyBytes(w, base + run, last - run);
+    out.resize(static_cast<std::size_t>(w - begin));
     return out;
 }
 
 void appendFolded(KNCString& out, std::string_view text)
 {
     const std::size_t n = text.size();
-    // Two consecutive folded pieces of one line span more than the limit, so this many
-    // inserted line breaks is an upper bound.
-    out.reserve(out.size() + n + n / 16 + 16);
+    const char* const base = text.data();
+    // Two consecutive folded pieces of one line span more than the limit, so at most one
+    // CR LF is inserted per 39 bytes: this size is an upper bound.
+    const std::size_t at = out.size();
+    out.resize(at + n + n / 16 + 16);
+    char* w = out.data() + at;
     std::size_t p = 0;
     while (p < n) {
         const std::size_t e = findCrlf(text, p);
@@ -252,15 +283,16 @@ void appendFolded(KNCString& out, std::string_view text)
             const std::size_t b = foldPoint(text, p, e);
             if (b == e)
                 break;
-            out.append(text.data() + p, b - p);
-            out.append("\r\n", 2);
+            w = copyBytes(w, base + p, b - p);
+            w = copyBytes(w, "\r\n", 2);
             p = b;
         }
-        out.append(text.data() + p, e - p);
+        w = copyBytes(w, base + p, e - p);
         if (e != n)
-            out.append("\r\n", 2);
+            w = copyBytes(w, "\r\n", 2);
         p = e + 2;
     }
+    out.resize(static_cast<std::size_t>(w - out.data()));
 }
 
 } // namespace KNMimeScan

@@ -469,10 +469,15 @@ KNCString KNMimeUtils::replaceLineDelimiter(const KNCString& text, const KNCStri
         }
         if (c == '\r' && i + 1 < n && p[i + 1] == '\n')
             ++i;
-        if (d == 1)
+        if (d == 2) {
+            w[0] = delim[0];
+            w[1] = delim[1];
+            w += 2;
+        } else if (d == 1) {
             *w++ = delim[0];
-        else
+        } else {
             w = std::copy(delim.begin(), delim.end(), w);
+        }
     }
     return out;
 }

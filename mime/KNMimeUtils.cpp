@@ -95,6 +95,13 @@ constexpr ByteSet qAllowed("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz
 
 std::atomic<std::int64_t> lastBoundary{0};
 
+// The encodings that leave the data as it is; no check that 7bit data is seven-bit.
+bool isIdentityEncoding(const KNCString& encoding) noexcept
+{
+    return knEqualsIgnoreCase(encoding, KNMimeUtils::SevenBit) || knEqualsIgnoreCase(encoding, KNMimeUtils::EightBit)
+        || knEqualsIgnoreCase(encoding, KNMimeUtils::Binary);
+}
+
 [[noreturn]] void throwUnknownEncoding(const KNCString& encoding)
 {
     KNThrow(KNMimeError(KNMessage(knmime_UNKNOWN_ENCODING(), encoding)));
@@ -612,8 +619,7 @@ KNCString KNMimeUtils::encode(const KNCString& data, const KNCString& encoding)
         return encodeQuotedPrintable(data);
     if (knEqualsIgnoreCase(encoding, Base64))
         return encodeBase64(data);
-    if (knEqualsIgnoreCase(encoding, SevenBit) || knEqualsIgnoreCase(encoding, EightBit)
-        || knEqualsIgnoreCase(encoding, Binary))
+    if (isIdentityEncoding(encoding))
         return data;
     throwUnknownEncoding(encoding);
 }
@@ -624,8 +630,7 @@ KNCString KNMimeUtils::decode(const KNCString& text, const KNCString& encoding)
         return decodeQuotedPrintable(text, true);
     if (knEqualsIgnoreCase(encoding, Base64))
         return decodeBase64(text);
-    if (knEqualsIgnoreCase(encoding, SevenBit) || knEqualsIgnoreCase(encoding, EightBit)
-        || knEqualsIgnoreCase(encoding, Binary))
+    if (isIdentityEncoding(encoding))
         return text;
     throwUnknownEncoding(encoding);
 }

@@ -90,6 +90,29 @@ struct ByteSet {
 constexpr ByteSet qpLiteral(
     " \t%&'()*+,-./0123456789:;<>?ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz");
 
+// The quoted-printable form of every byte outside a CR LF pair: the byte itself, or '='
+// and two upper-case hexadecimal digits.
+struct QpCode {
+    char text[3];
+    unsigned char length;
+};
+
+struct QpCodeTable {
+    QpCode codes[256] = {};
+
+    constexpr QpCodeTable()
+    {
+        for (unsigned b = 0; b < 256; ++b) {
+            if (qpLiteral[static_cast<unsigned char>(b)])
+                codes[b] = QpCode{{static_cast<char>(b), 0, 0}, 1};
+            else
+                codes[b] = QpCode{{'=', decToHex(b >> 4), decToHex(b)}, 3};
+        }
+    }
+};
+
+constexpr QpCodeTable qpCodes;
+
 // Bytes the Q encoding of encoded words writes as they are.
 constexpr ByteSet qAllowed("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789!*+-/");
 
@@ -138,6 +161,14 @@ public:
         buf_[used_ + 1] = b;
         buf_[used_ + 2] = c;
         used_ += 3;
+    }
+    // Writes all three bytes of the code's text and keeps `length` of them.
+    void putCode(const QpCode& code)
+    {
+        if (used_ + 3 > sizeof(buf_))
+            flush();
+        std::memcpy(buf_ + used_, code.text, 3);
+        used_ += code.length;
     }
     bool empty() const { return used_ == 0 && out_.empty(); }
     char last() const { return used_ != 0 ? buf_[used_ - 1] : out_.back(); }
@@ -219,13 +250,7 @@ void encodeQuotedPrintableInto(BlockWriter& w, std::string_view data)
     std::size_t column = 0;
     for (std::size_t i = 0; i < n; ++i) {
         const unsigned char b = p[i];
-        if (qpLiteral[b]) {
-            if (++column > qpLineLimit) {
-                softBreak(w);
-                column = 1;
-            }
-            w.put(static_cast<char>(b));
-        } else if (b == '\r' && i + 1 < n && p[i + 1] == '\n') {
+        if (b == '\r' && i + 1 < n && p[i + 1] == '\n') {
             // White space before a line end would be lost in transport: protect it.
             if (!w.empty() && isBlank(w.last()))
                 softBreak(w);
@@ -233,14 +258,16 @@ void encodeQuotedPrintableInto(BlockWriter& w, std::string_view data)
             w.put('\n');
             column = 0;
             ++i;
-        } else {
-            column += 3;
-            if (column > qpLineLimit) {
-                softBreak(w);
-                column = 3;
-            }
-            w.put3('=', decToHex(b >> 4), decToHex(b));
+            continue;
         }
+        // One table entry per byte, literal or escaped, with no branch between the two.
+        const QpCode& code = qpCodes.codes[b];
+        column += code.length;
+        if (column > qpLineLimit) {
+            softBreak(w);
+            column = code.length;
+        }
+        w.putCode(code);
     }
     if (!w.empty() && isBlank(w.last()))
         softBreak(w);

@@ -192,7 +192,8 @@ TEST(Part, HandlesAndStoredHeadersShareBodies)
     EXPECT_EQ(a.getHeaderCount(), 1u);
     EXPECT_EQ(a.getBody(), "text");
 
-    a = a; // self-assignment keeps the body
+    KNMimePart& same = a;
+    a = same; // self-assignment keeps the body
     EXPECT_EQ(a.getBody(), "text");
 
     // A stored header and a fetched one share the caller's header body.

@@ -1,6 +1,5 @@
 #include <mime/KNMimeMultipartImp.h>
 
-#include <foundation/KNBoundsErr.h>
 #include <foundation/KNxmsg.h>
 #include <mime/KNMimeStringPartImp.h>
 #include <mime/internal/KNMimeEntityText.h>
@@ -52,40 +51,27 @@ bool KNMimeMultipartImp::compareTo(const KNMimeStringPartImp& other) const
 
 bool KNMimeMultipartImp::compareTo(const KNMimeMultipartImp& other) const
 {
-    if (preamble_ != other.preamble_ || parts_.size() != other.parts_.size())
-        return false;
-    for (std::size_t i = 0; i < parts_.size(); ++i) {
-        if (parts_[i] != other.parts_[i])
-            return false;
-    }
-    return true;
+    return preamble_ == other.preamble_ && parts_ == other.parts_;
 }
 
 KNMimePart KNMimeMultipartImp::getPart(std::size_t i) const
 {
-    if (i >= parts_.size())
-        throw KNBoundsErr(i, parts_.size());
-    return parts_[i];
+    return parts_.at(i);
 }
 
 void KNMimeMultipartImp::insertPart(const KNMimePart& part)
 {
-    parts_.push_back(part);
+    parts_.append(part);
 }
 
 void KNMimeMultipartImp::insertPartAt(std::size_t i, const KNMimePart& part)
 {
-    // Reports one below the position passed, as insertHeaderAt does.
-    if (i > parts_.size())
-        throw KNBoundsErr(i - 1, parts_.size());
-    parts_.insert(parts_.begin() + static_cast<std::ptrdiff_t>(i), part);
+    parts_.insertAt(i, part);
 }
 
 void KNMimeMultipartImp::removePartAt(std::size_t i)
 {
-    if (i >= parts_.size())
-        throw KNBoundsErr(i, parts_.size());
-    parts_.erase(parts_.begin() + static_cast<std::ptrdiff_t>(i));
+    parts_.removeAt(i);
 }
 
 std::size_t KNMimeMultipartImp::findPart(const KNMimeHeader& header, std::size_t start) const

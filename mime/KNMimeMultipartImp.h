@@ -7,12 +7,12 @@
 
 #include <foundation/KNCString.h>
 #include <foundation/KNExport.h>
+#include <foundation/KNTOrderedList.h>
 #include <mime/KNMimeHeader.h>
 #include <mime/KNMimePart.h>
 #include <mime/KNMimePartImp.h>
 
 #include <cstddef>
-#include <vector>
 
 class KNMIME_EXPORT KNMimeMultipartImp : public KNMimePartImp {
 public:
@@ -60,7 +60,7 @@ protected:
 
 private:
     KNCString preamble_;
-    std::vector<KNMimePart> parts_;
+    KNTOrderedList<KNMimePart> parts_;
 };
 
 #endif

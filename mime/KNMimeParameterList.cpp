@@ -1,10 +1,10 @@
 #include <mime/KNMimeParameterList.h>
 
-#include <foundation/KNBoundsErr.h>
 #include <mime/internal/KNMimeScan.h>
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -12,14 +12,14 @@ namespace {
 // comparing two long lists does not take quadratic time.
 constexpr std::size_t pairwiseCompareLimit = 16;
 
-bool occursIn(const std::vector<KNMimeParameter>& list, const KNMimeParameter& p)
+bool occursIn(const KNTOrderedList<KNMimeParameter>& list, const KNMimeParameter& p)
 {
     return std::find(list.begin(), list.end(), p) != list.end();
 }
 
 // One key per distinct parameter: the lower-cased name makes equal keys exactly of the
 // parameters that compare equal.
-std::vector<std::pair<KNCString, KNCString>> distinctKeys(const std::vector<KNMimeParameter>& list)
+std::vector<std::pair<KNCString, KNCString>> distinctKeys(const KNTOrderedList<KNMimeParameter>& list)
 {
     std::vector<std::pair<KNCString, KNCString>> keys;
     keys.reserve(list.size());
@@ -41,9 +41,7 @@ std::size_t KNMimeParameterList::getParameterCount() const
 
 KNMimeParameter KNMimeParameterList::getParameter(std::size_t i) const
 {
-    if (i >= parameters_.size())
-        throw KNBoundsErr(i, parameters_.size());
-    return parameters_[i];
+    return parameters_.at(i);
 }
 
 std::size_t KNMimeParameterList::findParameter(const KNCString& name, std::size_t start) const
@@ -65,22 +63,20 @@ void KNMimeParameterList::setParameterValue(const KNCString& name, const KNCStri
 {
     const std::size_t i = findParameter(name, start);
     if (i != KNCString::npos)
-        parameters_.erase(parameters_.begin() + static_cast<std::ptrdiff_t>(i));
+        parameters_.removeAt(i);
     // An empty value only removes: that is how a parameter is removed by name.
     if (!value.empty())
-        parameters_.emplace_back(name, value);
+        parameters_.append(KNMimeParameter(name, value));
 }
 
 void KNMimeParameterList::insertParameter(const KNMimeParameter& p)
 {
-    parameters_.push_back(p);
+    parameters_.append(p);
 }
 
 void KNMimeParameterList::removeParameter(std::size_t i)
 {
-    if (i >= parameters_.size())
-        throw KNBoundsErr(i, parameters_.size());
-    parameters_.erase(parameters_.begin() + static_cast<std::ptrdiff_t>(i));
+    parameters_.removeAt(i);
 }
 
 void KNMimeParameterList::removeAllParameters()
@@ -101,11 +97,11 @@ KNMimeParameterList KNMimeParameterList::parsed(std::string_view text)
     std::size_t from = 0;
     for (std::size_t semicolon; (semicolon = KNMimeScan::findDelimiter(text, ';', from)) != text.npos;
          from = semicolon + 1)
-        result.parameters_.push_back(KNMimeParameter::parsed(text.substr(from, semicolon - from)));
+        result.parameters_.append(KNMimeParameter::parsed(text.substr(from, semicolon - from)));
     // What follows the last ';' may be blank: a trailing ';' adds nothing.
     const KNCString rest = KNMimeScan::unfoldAndTrim(text.substr(from));
     if (!rest.empty())
-        result.parameters_.push_back(KNMimeParameter::parsed(rest));
+        result.parameters_.append(KNMimeParameter::parsed(rest));
     return result;
 }
 
@@ -127,8 +123,8 @@ void KNMimeParameterList::appendTo(KNCString& out) const
 
 bool operator==(const KNMimeParameterList& a, const KNMimeParameterList& b)
 {
-    const std::vector<KNMimeParameter>& left = a.parameters_;
-    const std::vector<KNMimeParameter>& right = b.parameters_;
+    const KNTOrderedList<KNMimeParameter>& left = a.parameters_;
+    const KNTOrderedList<KNMimeParameter>& right = b.parameters_;
     if (left.size() != right.size())
         return false;
     if (left.size() > pairwiseCompareLimit)

@@ -6,11 +6,11 @@
 
 #include <foundation/KNCString.h>
 #include <foundation/KNExport.h>
+#include <foundation/KNTOrderedList.h>
 #include <mime/KNMimeParameter.h>
 
 #include <cstddef>
 #include <string_view>
-#include <vector>
 
 class KNMIME_EXPORT KNMimeParameterList {
 public:
@@ -47,7 +47,7 @@ private:
     static KNMimeParameterList parsed(std::string_view text);
     void appendTo(KNCString& out) const;
 
-    std::vector<KNMimeParameter> parameters_;
+    KNTOrderedList<KNMimeParameter> parameters_;
 };
 
 // Order-insensitive: equal sizes, and every element of each list occurs in the other

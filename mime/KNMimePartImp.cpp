@@ -1,7 +1,5 @@
 #include <mime/KNMimePartImp.h>
 
-#include <foundation/KNBoundsErr.h>
-
 namespace {
 // Room reserved per header line when a printed size is estimated; lines are rarely longer.
 constexpr std::size_t headerSizeGuess = 64;
@@ -13,30 +11,22 @@ KNMimePartImp::~KNMimePartImp() = default;
 
 KNMimeHeader KNMimePartImp::getHeader(std::size_t i) const
 {
-    if (i >= headers_.size())
-        throw KNBoundsErr(i, headers_.size());
-    return headers_[i];
+    return headers_.at(i);
 }
 
 void KNMimePartImp::insertHeader(const KNMimeHeader& header)
 {
-    headers_.push_back(header);
+    headers_.append(header);
 }
 
 void KNMimePartImp::insertHeaderAt(std::size_t i, const KNMimeHeader& header)
 {
-    // The error names the last index that would have been refused as a plain index,
-    // one below the position passed.
-    if (i > headers_.size())
-        throw KNBoundsErr(i - 1, headers_.size());
-    headers_.insert(headers_.begin() + static_cast<std::ptrdiff_t>(i), header);
+    headers_.insertAt(i, header);
 }
 
 void KNMimePartImp::removeHeaderAt(std::size_t i)
 {
-    if (i >= headers_.size())
-        throw KNBoundsErr(i, headers_.size());
-    headers_.erase(headers_.begin() + static_cast<std::ptrdiff_t>(i));
+    headers_.removeAt(i);
 }
 
 std::size_t KNMimePartImp::findHeader(const KNCString& label, std::size_t start) const
@@ -50,13 +40,7 @@ std::size_t KNMimePartImp::findHeader(const KNCString& label, std::size_t start)
 
 bool KNMimePartImp::compareHeaders(const KNMimePartImp& other) const
 {
-    if (headers_.size() != other.headers_.size())
-        return false;
-    for (std::size_t i = 0; i < headers_.size(); ++i) {
-        if (headers_[i] != other.headers_[i])
-            return false;
-    }
-    return true;
+    return headers_ == other.headers_;
 }
 
 KNCString KNMimePartImp::asString() const

@@ -7,10 +7,10 @@
 #include <foundation/KNBodyBase.h>
 #include <foundation/KNCString.h>
 #include <foundation/KNExport.h>
+#include <foundation/KNTOrderedList.h>
 #include <mime/KNMimeHeader.h>
 
 #include <cstddef>
-#include <vector>
 
 class KNMimeStringPartImp;
 class KNMimeMultipartImp;
@@ -60,7 +60,7 @@ protected:
     virtual std::size_t bodySizeHint() const = 0;
 
 private:
-    std::vector<KNMimeHeader> headers_;
+    KNTOrderedList<KNMimeHeader> headers_;
 };
 
 // Value equality of two bodies (left.compareTo(right)); see compareTo for the asymmetry

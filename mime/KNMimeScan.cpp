@@ -5,17 +5,10 @@
 
 namespace {
 
+using KNMimeScan::isBlank;
+using KNMimeScan::isWhitespace;
+
 constexpr std::size_t lineLimit = 78;
-
-constexpr bool isWhitespace(char c) noexcept
-{
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
-
-constexpr bool isBlank(char c) noexcept
-{
-    return c == ' ' || c == '\t';
-}
 
 // Bytes that may not appear in a token: the separators, the blank, controls 1 to 31 and DEL.
 // Eight-bit bytes are token bytes.
@@ -100,6 +93,20 @@ std::size_t foldPoint(std::string_view text, std::size_t p, std::size_t e) noexc
     return f;
 }
 
+// Steps over byte i of a comment nested `depth` deep; a backslash also takes the byte
+// after it. Returns false when the byte closed the outermost comment.
+bool stepInComment(std::string_view text, std::size_t& i, std::size_t& depth) noexcept
+{
+    const char c = text[i];
+    if (c == '\\')
+        ++i;
+    else if (c == '(')
+        ++depth;
+    else if (c == ')')
+        return --depth != 0;
+    return true;
+}
+
 } // namespace
 
 namespace KNMimeScan {
@@ -130,15 +137,8 @@ std::size_t findDelimiter(std::string_view text, char delim, std::size_t from) n
                 state = Normal;
             break;
         case Comment:
-            if (c == '\\') {
-                ++i;
-            } else if (c == '(') {
-                ++depth;
-            } else if (c == ')') {
-                if (depth == 1)
-                    state = Normal;
-                --depth;
-            }
+            if (!stepInComment(text, i, depth))
+                state = Normal;
             break;
         }
     }
@@ -208,15 +208,8 @@ KNCString cleanToken(std::string_view text, bool unquote)
             }
             break;
         case Comment:
-            if (c == '\\') {
-                ++i;
-            } else if (c == '(') {
-                ++depth;
-            } else if (c == ')') {
-                if (depth == 1)
-                    state = Normal;
-                --depth;
-            }
+            if (!stepInComment(text, i, depth))
+                state = Normal;
             break;
         case Blanks:
             if (!isWhitespace(c)) {

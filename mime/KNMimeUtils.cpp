@@ -21,19 +21,12 @@ const KNCString KNMimeUtils::Binary = "binary";
 
 namespace {
 
+using KNMimeScan::isBlank;
+using KNMimeScan::isWhitespace;
+
 constexpr std::size_t base64LineBytes = 54; // input bytes per 72-character line
 constexpr std::size_t qpLineLimit = 74;     // characters per line before the soft break
 constexpr std::size_t encodedWordLimit = 75;
-
-constexpr bool isWhitespace(char c) noexcept
-{
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
-
-constexpr bool isBlank(char c) noexcept
-{
-    return c == ' ' || c == '\t';
-}
 
 constexpr char decToHex(unsigned c) noexcept
 {

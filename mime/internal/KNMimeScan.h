@@ -13,6 +13,18 @@
 
 namespace KNMimeScan {
 
+// White space of header text: blank, tab, CR and LF.
+constexpr bool isWhitespace(char c) noexcept
+{
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+// The bytes a folded line may break at, and that line ends may not follow: blank and tab.
+constexpr bool isBlank(char c) noexcept
+{
+    return c == ' ' || c == '\t';
+}
+
 // Position of the first `delim` at or after `from` outside quoted strings and comments,
 // scanning from `from` in the unquoted state; npos when there is none.
 std::size_t findDelimiter(std::string_view text, char delim, std::size_t from = 0) noexcept;

@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <utility>
-#include <vector>
 
 namespace {
 
@@ -22,15 +21,15 @@ KNCString invalidConversion(const KNCString& type)
     return "[INVALID_TYPE_CONVERSION] Unable to convert from \"" + type + "\"";
 }
 
-template <class E, class F>
-KNCString thrownText(F action)
+// What the action returns, or the text of the KNMimeError it throws.
+template <class F>
+KNCString outcome(F action)
 {
     try {
-        action();
-    } catch (const E& e) {
+        return action();
+    } catch (const KNMimeError& e) {
         return e.why();
     }
-    return "nothing thrown";
 }
 
 KNMimeContentType parsed(const KNCString& text)
@@ -40,72 +39,67 @@ KNMimeContentType parsed(const KNCString& text)
     return type;
 }
 
-TEST(KNMimeContentTypeTest, ReadsTypeSubtypeAndParametersWithoutFoldingCase)
+TEST(KNMimeContentTypeTest, ReadsWithoutCheckingAndPrintsTokensOnly)
 {
-    const KNMimeContentType type = parsed(" Text / HTML (c) ; charset=\"utf-8\"");
-    EXPECT_EQ(type.getMediaType(), "Text");
-    EXPECT_EQ(type.getSubType(), "HTML");
-    EXPECT_EQ(type.getParameterValue("CHARSET"), "utf-8");
-    EXPECT_EQ(type.asString(), "Text/HTML; charset=\"utf-8\"");
-    EXPECT_EQ(parsed("text/plain;").getParameterCount(), 0u);
-    EXPECT_EQ(parsed("text/plain;").asString(), "text/plain");
-    const KNCString multipart = "multipart/mixed; boundary=\"a;b\"";
-    EXPECT_EQ(parsed(multipart).getParameterValue("boundary"), "a;b");
-    EXPECT_EQ(parsed(multipart).asString(), multipart);
-    EXPECT_EQ(parsed("image/\xC3\xA9; a=\"\xFF\"").asString(), "image/\xC3\xA9; a=\"\xFF\"");
-}
-
-TEST(KNMimeContentTypeTest, TheFirstUnquotedSlashSeparatesEvenAfterASemicolon)
-{
-    const KNMimeContentType type = parsed("text; name=a/b");
-    EXPECT_EQ(type.getMediaType(), "text; name=a");
-    EXPECT_EQ(type.getSubType(), "b");
-    EXPECT_EQ(thrownText<KNMimeError>([&] { type.asString(); }), invalidToken("text; name=a"));
-    const KNMimeContentType quoted = parsed("\"a/b\"(c/d)/e");
-    EXPECT_EQ(quoted.getMediaType(), "a/b");
-    EXPECT_EQ(quoted.getSubType(), "e");
+    struct Case {
+        KNCString text, mediaType, subType, printed;
+    };
+    const Case cases[] = {
+        {" Text / HTML (c) ; charset=\"utf-8\"", "Text", "HTML", "Text/HTML; charset=\"utf-8\""},
+        {"text/plain;", "text", "plain", "text/plain"},
+        {"multipart/mixed; boundary=\"a;b\"", "multipart", "mixed", "multipart/mixed; boundary=\"a;b\""},
+        {"image/\xC3\xA9; a=\"\xFF\"", "image", "\xC3\xA9", "image/\xC3\xA9; a=\"\xFF\""},
+        // The first unquoted '/' separates, even after a ';'.
+        {"text; name=a/b", "text; name=a", "b", invalidToken("text; name=a")},
+        {"\"a/b\"(c/d)/e", "a/b", "e", invalidToken("a/b")},
+        {"text/", "text", "", invalidToken("")},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text);
+        const KNMimeContentType type = parsed(c.text);
+        EXPECT_EQ(type.getMediaType(), c.mediaType);
+        EXPECT_EQ(type.getSubType(), c.subType);
+        EXPECT_EQ(outcome([&] { return type.asString(); }), c.printed);
+    }
+    EXPECT_EQ(outcome([] { return KNMimeContentType("a b", "c d", {}).asString(); }), invalidToken("a b"));
+    EXPECT_EQ(outcome([] { return KNMimeContentType("a", "c d", {}).asString(); }), invalidToken("c d"));
+    EXPECT_EQ(outcome([] { return parsed("a/b; bad\\name=1").asString(); }), invalidToken("bad\\name"));
 }
 
 TEST(KNMimeContentTypeTest, FailedParseLeavesTheHandleAndItsBody)
 {
+    const KNCString missingType = "[MISSING_TYPE_SEPARATOR] Unable to separate media type from subtype";
+    const KNCString missingParameter = "[MISSING_PARAMETER_SEPARATOR] Unable to separate parameter name from value";
     KNMimeContentType type = parsed("text/html; a=1");
-    const KNMimeContentType sharing = type;
-    const std::vector<std::pair<KNCString, KNCString>> cases = {
-        {"text", "[MISSING_TYPE_SEPARATOR] Unable to separate media type from subtype"},
-        {"", "[MISSING_TYPE_SEPARATOR] Unable to separate media type from subtype"},
-        {"\"text/plain", "[MISSING_TYPE_SEPARATOR] Unable to separate media type from subtype"},
-        {"text(/)plain", "[MISSING_TYPE_SEPARATOR] Unable to separate media type from subtype"},
-        {KNCString(300000, '"'), "[MISSING_TYPE_SEPARATOR] Unable to separate media type from subtype"},
-        {"text/plain;;a=1", "[MISSING_PARAMETER_SEPARATOR] Unable to separate parameter name from value"},
-        {"text/plain; a", "[MISSING_PARAMETER_SEPARATOR] Unable to separate parameter name from value"},
+    KNMimeTextType text("html", "utf-8");
+    KNMimeMultipartType multipart("mixed", "b");
+    KNMimeMultipartRelatedType related;
+    struct Case {
+        KNMimeContentType* target;
+        KNCString text, error;
     };
-    for (const auto& entry : cases) {
-        const KNCString& text = entry.first;
-        EXPECT_EQ(thrownText<KNMimeParseError>([&] { type.fromString(text); }), entry.second);
-        EXPECT_TRUE(type.sharesBodyWith(sharing));
-        EXPECT_EQ(type.asString(), "text/html; a=\"1\"");
+    const Case cases[] = {
+        {&type, "text", missingType}, {&type, "\"text/plain", missingType}, {&type, "text(/)plain", missingType},
+        {&type, KNCString(300000, '"'), missingType}, {&type, "text/plain;;a=1", missingParameter},
+        // The specialised types refuse through their own check.
+        {&text, "image/png; a=1", invalidConversion("image/png")},
+        {&multipart, "text/plain", invalidConversion("text/plain")},
+        {&related, "multipart/mixed", invalidConversion("multipart/mixed")},
+    };
+    for (const Case& c : cases) {
+        const KNMimeContentType sharing = *c.target;
+        const KNCString before = sharing.asString();
+        EXPECT_EQ(outcome([&] { c.target->fromString(c.text); return KNCString(); }), c.error);
+        EXPECT_TRUE(c.target->sharesBodyWith(sharing));
+        EXPECT_EQ(c.target->asString(), before);
     }
-}
+    EXPECT_THROW(type.fromString("text"), KNMimeParseError);
 
-TEST(KNMimeContentTypeTest, ParsingRebindsOnlyThisHandle)
-{
-    KNMimeContentType a = parsed("text/plain; charset=\"us-ascii\"");
-    const KNMimeContentType b = a;
-    a.fromString("image/png");
-    EXPECT_FALSE(a.sharesBodyWith(b));
-    EXPECT_EQ(a.asString(), "image/png");
-    EXPECT_EQ(b.asString(), "text/plain; charset=\"us-ascii\"");
-}
-
-TEST(KNMimeContentTypeTest, PrintingRefusesNonTokensMediaTypeFirst)
-{
-    EXPECT_EQ(thrownText<KNMimeError>([] { KNMimeContentType().asString(); }), invalidToken(""));
-    EXPECT_EQ(thrownText<KNMimeError>([] { parsed("text/").asString(); }), invalidToken(""));
-    EXPECT_EQ(thrownText<KNMimeError>([] { KNMimeContentType("a b", "c d", {}).asString(); }), invalidToken("a b"));
-    EXPECT_EQ(thrownText<KNMimeError>([] { KNMimeContentType("a", "c d", {}).asString(); }), invalidToken("c d"));
-    KNMimeContentType type("text", "plain", {});
-    type.insertParameter(KNMimeParameter("bad name", "x"));
-    EXPECT_EQ(thrownText<KNMimeError>([&] { type.asString(); }), invalidToken("bad name"));
+    // Success rebinds only this handle; the old body keeps its value.
+    const KNMimeContentType old = type;
+    type.fromString("image/png");
+    EXPECT_FALSE(type.sharesBodyWith(old));
+    EXPECT_EQ(old.asString(), "text/html; a=\"1\"");
 }
 
 TEST(KNMimeContentTypeTest, EqualityIgnoresCaseOfTypesAndOrderOfParameters)
@@ -114,62 +108,28 @@ TEST(KNMimeContentTypeTest, EqualityIgnoresCaseOfTypesAndOrderOfParameters)
     EXPECT_EQ(parsed("a/b; x=1; y=2"), parsed("a/b; Y=2; x=\"1\""));
     EXPECT_NE(parsed("a/b; x=1"), parsed("a/b; x=2"));
     EXPECT_NE(parsed("a/b"), parsed("a/c"));
-    EXPECT_NE(parsed("a/b"), parsed("a/b; x=1"));
 }
 
-TEST(KNMimeContentTypeTest, ConstructorCopiesTheParametersGiven)
+TEST(KNMimeSpecialisedTypeTest, ConstructorsAndNamedParameters)
 {
-    KNMimeParameterList list;
-    list.fromString("a=1; b=2");
-    const KNMimeContentType type("x", "y", list);
-    list.removeAllParameters();
-    EXPECT_EQ(type.asString(), "x/y; a=\"1\"; b=\"2\"");
-}
-
-TEST(KNMimeTextTypeTest, DefaultsAndCharset)
-{
-    EXPECT_EQ(KNMimeTextType().asString(), "text/plain");
-    EXPECT_EQ(KNMimeTextType("html", "utf-8").asString(), "text/html; charset=\"utf-8\"");
-    EXPECT_EQ(KNMimeTextType("plain", "").getParameterCount(), 0u);
     KNMimeTextType text("plain", "a");
     text.insertParameter(KNMimeParameter("format", "flowed"));
     text.setCharset("b");
     EXPECT_EQ(text.asString(), "text/plain; format=\"flowed\"; charset=\"b\"");
     text.setCharset("");
-    EXPECT_EQ(text.getCharset(), "");
     EXPECT_EQ(text.asString(), "text/plain; format=\"flowed\"");
-}
 
-TEST(KNMimeMultipartTypeTest, ConstructorsAlwaysGiveABoundary)
-{
+    // Built multipart types always get a boundary; this library's are unique per process.
     const KNMimeMultipartType first, second;
-    EXPECT_EQ(first.getSubType(), "mixed");
-    EXPECT_EQ(first.getBoundary().rfind("_=_next_part_", 0), 0u);
-    EXPECT_NE(first.getBoundary(), second.getBoundary());
     EXPECT_EQ(first.asString(), "multipart/mixed; boundary=\"" + first.getBoundary() + "\"");
-    EXPECT_NE(KNMimeMultipartType("digest", "").getBoundary(), KNMimeMultipartType("digest", "").getBoundary());
-    EXPECT_EQ(KNMimeMultipartType("alternative", "abc").asString(), "multipart/alternative; boundary=\"abc\"");
-    KNMimeMultipartType moved("mixed", "abc");
-    moved.insertParameter(KNMimeParameter("x", "1"));
-    moved.setBoundary("def");
-    EXPECT_EQ(moved.asString(), "multipart/mixed; x=\"1\"; boundary=\"def\"");
-    moved.setBoundary("");
-    EXPECT_EQ(moved.asString(), "multipart/mixed; x=\"1\"");
-}
-
-TEST(KNMimeMultipartRelatedTypeTest, ParametersInConstructionOrder)
-{
-    const KNMimeMultipartRelatedType all("text/html", "<start>", "info", "b");
-    EXPECT_EQ(all.asString(),
+    EXPECT_NE(first.getBoundary(), second.getBoundary());
+    EXPECT_FALSE(KNMimeMultipartRelatedType("", "", "", "").getBoundary().empty());
+    KNMimeMultipartType multipart("alternative", "abc");
+    EXPECT_EQ(multipart.asString(), "multipart/alternative; boundary=\"abc\"");
+    multipart.setBoundary("");
+    EXPECT_EQ(multipart.asString(), "multipart/alternative");
+    EXPECT_EQ(KNMimeMultipartRelatedType("text/html", "<start>", "info", "b").asString(),
               "multipart/related; boundary=\"b\"; type=\"text/html\"; start=\"<start>\"; start_info=\"info\"");
-    EXPECT_EQ(all.getStartInfo(), "info");
-    EXPECT_EQ(all.getType(), "text/html");
-    EXPECT_EQ(all.getStart(), "<start>");
-    const KNMimeMultipartRelatedType bare("", "", "", "");
-    EXPECT_EQ(bare.getParameterCount(), 1u);
-    EXPECT_FALSE(bare.getBoundary().empty());
-    EXPECT_EQ(KNMimeMultipartRelatedType().getSubType(), "related");
-    EXPECT_FALSE(KNMimeMultipartRelatedType().getBoundary().empty());
 }
 
 TEST(KNMimeSpecialisedTypeTest, ConversionsCheckTheMediaTypeAndShareTheBody)
@@ -180,41 +140,24 @@ TEST(KNMimeSpecialisedTypeTest, ConversionsCheckTheMediaTypeAndShareTheBody)
     converted.setCharset("utf-8");
     EXPECT_EQ(text.getParameterValue("charset"), "utf-8");
 
-    EXPECT_EQ(thrownText<KNMimeError>([] { KNMimeMultipartType m(parsed("text/plain")); }),
+    EXPECT_EQ(outcome([] { return KNMimeMultipartType(parsed("text/plain")).asString(); }),
               invalidConversion("text/plain"));
-    EXPECT_EQ(thrownText<KNMimeError>([] { KNMimeTextType t(parsed("image/png")); }),
+    EXPECT_EQ(outcome([] { return KNMimeTextType(parsed("image/png")).asString(); }),
               invalidConversion("image/png"));
-    EXPECT_EQ(thrownText<KNMimeError>([] { KNMimeMultipartRelatedType r(parsed("multipart/mixed")); }),
+    EXPECT_EQ(outcome([] { return KNMimeMultipartRelatedType(parsed("multipart/mixed")).asString(); }),
               invalidConversion("multipart/mixed"));
 
-    // A converted type keeps exactly its parameters: no boundary is made up.
-    const KNMimeMultipartType multipart(parsed("Multipart/RELATED; type=x"));
+    // Neither converting nor parsing makes up a boundary.
+    const KNMimeContentType general = parsed("Multipart/RELATED; type=x");
+    KNMimeMultipartRelatedType related(general);
+    KNMimeMultipartType multipart(related);
+    EXPECT_TRUE(multipart.sharesBodyWith(general));
     EXPECT_EQ(multipart.getBoundary(), "");
-    const KNMimeMultipartRelatedType related(multipart);
-    EXPECT_TRUE(related.sharesBodyWith(multipart));
-    EXPECT_EQ(related.getType(), "x");
-}
-
-TEST(KNMimeSpecialisedTypeTest, ParsingConsultsTheOverriddenCheck)
-{
-    KNMimeTextType text("html", "utf-8");
-    KNMimeMultipartType multipart("mixed", "b");
-    KNMimeMultipartRelatedType related;
-    const std::vector<std::pair<KNMimeContentType*, KNCString>> refused = {
-        {&text, "image/png"}, {&multipart, "text/plain"}, {&related, "multipart/mixed"}};
-    for (const auto& entry : refused) {
-        KNMimeContentType* type = entry.first;
-        const KNCString& input = entry.second;
-        const KNCString before = type->asString();
-        EXPECT_EQ(thrownText<KNMimeError>([&] { type->fromString(input + "; a=1"); }), invalidConversion(input));
-        EXPECT_EQ(type->asString(), before);
-    }
-    multipart.fromString("multipart/alternative");
-    EXPECT_EQ(multipart.getParameterCount(), 0u);
-    related.fromString("MULTIPART/Related; start=\"<a>\"");
-    EXPECT_EQ(related.getStart(), "<a>");
-    text.fromString("Text/rich");
-    EXPECT_EQ(text.getCharset(), "");
+    related.setStart("<s>");
+    multipart.setBoundary("y");
+    EXPECT_EQ(general.asString(), "Multipart/RELATED; type=\"x\"; start=\"<s>\"; boundary=\"y\"");
+    multipart.fromString("multipart/mixed");
+    EXPECT_EQ(multipart.asString(), "multipart/mixed");
 }
 
 } // namespace

@@ -1,24 +1,18 @@
 // The header factory: which body a label gets, registrations, and use from many threads.
 #include <foundation/KNTHRInvalidPointer.h>
-#include <mime/KNMimeContentDispositionHeader.h>
 #include <mime/KNMimeContentDispositionHeaderImp.h>
 #include <mime/KNMimeContentTransferEncodingHeaderImp.h>
 #include <mime/KNMimeContentTypeHeader.h>
-#include <mime/KNMimeContentTypeHeaderImp.h>
-#include <mime/KNMimeError.h>
 #include <mime/KNMimeGenericHeader.h>
-#include <mime/KNMimeHeader.h>
 #include <mime/KNMimeHeaderFactory.h>
-#include <mime/KNMimeHeaderImp.h>
 #include <mime/KNMimeStructuredHeaderImp.h>
-#include <mime/KNMimeUnstructuredHeaderImp.h>
-#include <mime/KNMimeVersionHeader.h>
 #include <mime/KNMimeVersionHeaderImp.h>
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <thread>
+#include <tuple>
 #include <typeinfo>
 #include <vector>
 
@@ -32,100 +26,57 @@ const std::type_info& bodyClass(const KNMimeHeader& header)
     return typeid(body);
 }
 
-template <class E, class F>
-KNCString errorText(F action)
+// Runs `work(thread index)` on threads released at once, so that they meet in the code under test.
+template <class F>
+void runTogether(int count, F work)
 {
-    try {
-        action();
-    } catch (const E& e) {
-        return e.why();
+    std::atomic<int> waiting{count};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < count; ++t) {
+        threads.emplace_back([&, t] {
+            for (--waiting; waiting.load() > 0;)
+                std::this_thread::yield();
+            work(t);
+        });
     }
-    ADD_FAILURE() << "nothing thrown";
-    return KNCString();
+    for (std::thread& thread : threads)
+        thread.join();
 }
-
-// Lets `count` threads go at once, so that they really meet inside the code under test.
-class StartingLine {
-public:
-    explicit StartingLine(int count) : waiting_(count) {}
-    void arriveAndWait()
-    {
-        waiting_.fetch_sub(1);
-        while (waiting_.load() > 0)
-            std::this_thread::yield();
-    }
-
-private:
-    std::atomic<int> waiting_;
-};
 
 // First in this program on purpose: the factory does not exist yet when the threads start.
 TEST(KNMimeHeaderFactoryThreadTest, ConcurrentFirstUseMakesOneFactory)
 {
     constexpr int threadCount = 16;
-    StartingLine start(threadCount);
     std::vector<Factory> seen(threadCount);
-    std::vector<std::thread> threads;
-    for (int t = 0; t < threadCount; ++t) {
-        threads.emplace_back([&, t] {
-            start.arriveAndWait();
-            seen[t] = KNMimeHeaderFactory::instance();
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    runTogether(threadCount, [&](int t) { seen[t] = KNMimeHeaderFactory::instance(); });
     ASSERT_NE(seen[0].get(), nullptr);
     for (const Factory& factory : seen)
         EXPECT_EQ(factory.get(), seen[0].get());
-    EXPECT_EQ(KNMimeHeaderFactory::instance().get(), seen[0].get());
     EXPECT_GE(seen[0].useCount(), threadCount + 1);
 }
 
 TEST(KNMimeHeaderFactoryThreadTest, ManyThreadsCreateAndParseHeadersAtOnce)
 {
-    struct Case {
-        const char* line;
-        const std::type_info& body;
-        const char* printed;
-    };
-    const std::vector<Case> cases = {
-        {"content-type: text/html; charset=utf-8", typeid(KNMimeContentTypeHeaderImp),
-         "content-type: text/html; charset=\"utf-8\""},
-        {"MIME-Version: 1.0 (generated)", typeid(KNMimeVersionHeaderImp), "MIME-Version: 1.0"},
-        {"Content-Transfer-Encoding: Base64", typeid(KNMimeContentTransferEncodingHeaderImp),
-         "Content-Transfer-Encoding: Base64"},
-        {"CONTENT-ID: <x@y>", typeid(KNMimeStructuredHeaderImp), "CONTENT-ID: <x@y>"},
-        {"Subject: =?utf-8?Q?caf=C3=A9?=", typeid(KNMimeUnstructuredHeaderImp), "Subject: =?utf-8?Q?caf=C3=A9?="},
-        {"Content-Disposition: attachment; filename=a.txt", typeid(KNMimeContentDispositionHeaderImp),
-         "Content-Disposition: attachment; filename=\"a.txt\""},
-    };
+    const KNCString lines[] = {"content-type: text/html; charset=utf-8", "MIME-Version: 1.0 (generated)",
+                               "Content-Transfer-Encoding: Base64", "CONTENT-ID: <x@y>", "Subject: =?utf-8?Q?x?=",
+                               "Content-Disposition: attachment; filename=a.txt"};
+    // What each line gives when parsed by one thread alone.
+    std::vector<KNMimeHeader> alone(std::size(lines));
+    for (std::size_t i = 0; i < alone.size(); ++i)
+        alone[i].fromString(lines[i]);
     const KNMimeHeader shared = KNMimeContentTypeHeader();
-    constexpr int threadCount = 8;
-    constexpr int rounds = 300;
-    StartingLine start(threadCount);
     std::atomic<int> mismatches{0};
-    std::vector<std::thread> threads;
-    for (int t = 0; t < threadCount; ++t) {
-        threads.emplace_back([&, t] {
-            start.arriveAndWait();
-            for (int i = 0; i < rounds; ++i) {
-                const Case& c = cases[(t + i) % cases.size()];
-                KNMimeHeader header;
-                header.fromString(c.line);
-                const KNMimeHeader sharing = shared;
-                const bool ok = bodyClass(header) == c.body && header.asString() == c.printed &&
-                                header == header.copy() && sharing.asString() == "Content-Type: text/plain" &&
-                                KNMimeVersionHeader().getMajorVersion() == 1 &&
-                                KNMimeGenericHeader().checkLabel("X-Mailer") &&
-                                bodyClass(KNMimeHeaderFactory::instance()->create("X-Mailer")) ==
-                                    typeid(KNMimeUnstructuredHeaderImp);
-                if (!ok)
-                    mismatches.fetch_add(1);
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    runTogether(8, [&](int t) {
+        for (int i = 0; i < 300; ++i) {
+            const KNMimeHeader& expected = alone[(t + i) % alone.size()];
+            KNMimeHeader header;
+            header.fromString(lines[(t + i) % alone.size()]);
+            const KNMimeHeader sharing = shared;
+            mismatches += !(bodyClass(header) == bodyClass(expected) && header == expected &&
+                            header.copy() == expected && sharing == KNMimeContentTypeHeader() &&
+                            KNMimeGenericHeader().checkLabel("X-Mailer"));
+        }
+    });
     EXPECT_EQ(mismatches.load(), 0);
 }
 
@@ -137,8 +88,8 @@ protected:
 
     void TearDown() override
     {
-        for (const char* label : {"X-Custom", "Content-Description", "Content-Disposition", "Content-Id",
-                                  "Content-Location", "Content-Transfer-Encoding", "Content-Type", "MIME-Version"})
+        for (const char* label : {"Content-Description", "Content-Disposition", "Content-Id", "Content-Location",
+                                  "Content-Transfer-Encoding", "Content-Type", "MIME-Version"})
             factory->unsetHeaderFunctor(label);
         factory->setDefaultHeaderFunctor(&KNMimeUnstructuredHeaderImp::make);
         factory->setHeaderFunctor("Content-Description", &KNMimeUnstructuredHeaderImp::make);
@@ -153,92 +104,47 @@ protected:
 
 TEST_F(KNMimeHeaderFactoryTest, ChoosesTheBodyByLabelIgnoringCase)
 {
-    const std::vector<std::pair<const char*, const std::type_info*>> table = {
-        {"Content-Description", &typeid(KNMimeUnstructuredHeaderImp)},
-        {"Content-Disposition", &typeid(KNMimeContentDispositionHeaderImp)},
-        {"Content-ID", &typeid(KNMimeStructuredHeaderImp)},
-        {"Content-Location", &typeid(KNMimeStructuredHeaderImp)},
-        {"Content-Transfer-Encoding", &typeid(KNMimeContentTransferEncodingHeaderImp)},
-        {"Content-Type", &typeid(KNMimeContentTypeHeaderImp)},
-        {"MIME-Version", &typeid(KNMimeVersionHeaderImp)},
-        {"X-Custom", &typeid(KNMimeUnstructuredHeaderImp)},
-        {"", &typeid(KNMimeUnstructuredHeaderImp)},
+    const std::tuple<const char*, const std::type_info&, bool> table[] = {
+        {"Content-Description", typeid(KNMimeUnstructuredHeaderImp), true},
+        {"Content-Disposition", typeid(KNMimeContentDispositionHeaderImp), true},
+        {"Content-ID", typeid(KNMimeStructuredHeaderImp), true},
+        {"Content-Location", typeid(KNMimeStructuredHeaderImp), true},
+        {"Content-Transfer-Encoding", typeid(KNMimeContentTransferEncodingHeaderImp), true},
+        {"Content-Type", typeid(KNMimeContentTypeHeaderImp), true},
+        {"MIME-Version", typeid(KNMimeVersionHeaderImp), true},
+        // Unknown labels are made by the default creator but are not registered.
+        {"X-Custom", typeid(KNMimeUnstructuredHeaderImp), false},
     };
-    for (const auto& [label, body] : table) {
-        const KNCString lower = knToLower(label);
-        KNCString mixed = label;
-        for (std::size_t i = 0; i < mixed.size(); i += 2)
-            mixed[i] = static_cast<char>(lower[i] ^ ((lower[i] >= 'a' && lower[i] <= 'z') ? 0x20 : 0));
-        for (const KNCString& spelling : {KNCString(label), lower, mixed}) {
+    for (const auto& [label, body, registered] : table) {
+        for (const KNCString& spelling : {KNCString(label), knToLower(label)}) {
             const KNMimeHeader made = factory->create(spelling);
-            EXPECT_TRUE(bodyClass(made) == *body) << spelling;
-            EXPECT_EQ(made.getLabel(), "") << spelling;
-            EXPECT_EQ(factory->contains(spelling), *body != typeid(KNMimeUnstructuredHeaderImp) ||
-                                                       lower == "content-description")
-                << spelling;
+            EXPECT_TRUE(bodyClass(made) == body && made.getLabel().empty()) << spelling;
+            EXPECT_EQ(factory->contains(spelling), registered) << spelling;
         }
     }
-    EXPECT_EQ(KNMimeHeaderFactory::instance().get(), factory.get());
 }
 
-TEST_F(KNMimeHeaderFactoryTest, FirstRegistrationWinsUntilUnset)
+TEST_F(KNMimeHeaderFactoryTest, FirstRegistrationWinsUntilUnsetButTheDefaultIsReplaced)
 {
-    int calls = 0;
-    const KNMimeHeaderFactory::Creator custom = [&calls] {
-        ++calls;
-        return KNMimeStructuredHeaderImp::make();
-    };
-    factory->setHeaderFunctor("Content-Type", custom);
+    factory->setHeaderFunctor("Content-Type", &KNMimeStructuredHeaderImp::make);
     EXPECT_TRUE(bodyClass(KNMimeHeader("Content-Type")) == typeid(KNMimeContentTypeHeaderImp));
-    EXPECT_EQ(calls, 0);
 
     factory->unsetHeaderFunctor("CONTENT-type");
     factory->unsetHeaderFunctor("X-Never-Registered");
-    EXPECT_FALSE(factory->contains("Content-Type"));
     EXPECT_TRUE(bodyClass(KNMimeHeader("Content-Type")) == typeid(KNMimeUnstructuredHeaderImp));
-
-    factory->setHeaderFunctor("content-TYPE", custom);
+    factory->setHeaderFunctor("content-TYPE", &KNMimeStructuredHeaderImp::make);
     KNMimeHeader parsed;
     parsed.fromString("Content-Type: anything at all");
     EXPECT_TRUE(bodyClass(parsed) == typeid(KNMimeStructuredHeaderImp));
-    EXPECT_EQ(calls, 1);
-    // The typed handle still converts (only labels are checked) but has no typed body.
-    const KNMimeContentTypeHeader typed(parsed);
-    EXPECT_EQ(errorText<KNTHRInvalidPointer>([&] { typed.getContentType(); }), "Invalid pointer");
-}
 
-TEST_F(KNMimeHeaderFactoryTest, ApplicationLabelsAndUnsetBuiltIns)
-{
-    factory->setHeaderFunctor("X-Custom", &KNMimeVersionHeaderImp::make);
-    KNMimeHeader custom;
-    custom.fromString("x-custom: 3.4");
-    EXPECT_EQ(custom.asString(), "x-custom: 3.4");
-    EXPECT_EQ(errorText<KNMimeError>([] { KNMimeGenericHeader("X-CUSTOM", "v"); }),
-              "[KNOWN_HEADER_TYPE] Cannot create KNMimeGenericHeader for known type \"X-CUSTOM\"");
-
-    factory->unsetHeaderFunctor("Content-Disposition");
-    KNMimeHeader disposition;
-    disposition.fromString("Content-Disposition: attachment; filename");
-    EXPECT_TRUE(bodyClass(disposition) == typeid(KNMimeUnstructuredHeaderImp));
-    EXPECT_EQ(disposition.asString(), "Content-Disposition: attachment; filename");
-    EXPECT_EQ(errorText<KNTHRInvalidPointer>([] { KNMimeContentDispositionHeader().body(); }), "Invalid pointer");
-    EXPECT_NO_THROW(KNMimeGenericHeader("Content-Disposition", "inline"));
-}
-
-TEST_F(KNMimeHeaderFactoryTest, DefaultCreatorCanBeReplacedOrEmptied)
-{
-    factory->setDefaultHeaderFunctor([]() -> KNMimeHeader { throw KNMimeError(KNCString("no creator")); });
-    EXPECT_EQ(errorText<KNMimeError>([] { KNMimeHeader().fromString("X-A: b"); }), "no creator");
+    // The default creator, unlike the others, is always replaced.
+    factory->setDefaultHeaderFunctor([]() -> KNMimeHeader { throw 42; });
+    EXPECT_THROW(KNMimeHeader().fromString("X-A: b"), int);
 
     factory->setDefaultHeaderFunctor(KNMimeHeaderFactory::Creator());
-    EXPECT_EQ(errorText<KNTHRInvalidPointer>([&] { factory->create("X-Unknown"); }), "Invalid pointer");
-    EXPECT_EQ(errorText<KNTHRInvalidPointer>([] { KNMimeHeader(); }), "Invalid pointer");
-    EXPECT_TRUE(bodyClass(factory->create("Content-Type")) == typeid(KNMimeContentTypeHeaderImp));
+    EXPECT_THROW(factory->create("X-Unknown"), KNTHRInvalidPointer);
     // Content-Description holds a creator of its own, which replacing the default leaves alone.
     EXPECT_TRUE(bodyClass(factory->create("Content-Description")) == typeid(KNMimeUnstructuredHeaderImp));
-
-    factory->setDefaultHeaderFunctor(&KNMimeStructuredHeaderImp::make);
-    EXPECT_TRUE(bodyClass(KNMimeHeader("X-Unknown")) == typeid(KNMimeStructuredHeaderImp));
 }
 
 } // namespace

@@ -129,7 +129,7 @@ TEST(Lexical, TokenizeHeader)
 
 TEST(Lexical, UniqueBoundaryAcrossThreads)
 {
-    std::vector<std::vector<KNCString>> seen(4);
+    std::vector<std::vector<KNCString>> seen(8);
     std::vector<std::thread> threads;
     for (auto& list : seen)
         threads.emplace_back([&list] {
@@ -139,9 +139,12 @@ TEST(Lexical, UniqueBoundaryAcrossThreads)
     std::set<KNCString> all;
     for (std::size_t t = 0; t < threads.size(); ++t) {
         threads[t].join();
+        // Increasing within each thread; the stamps have one width, so text order is number order.
+        for (std::size_t i = 1; i < seen[t].size(); ++i)
+            EXPECT_LT(seen[t][i - 1], seen[t][i]);
         all.insert(seen[t].begin(), seen[t].end());
     }
-    EXPECT_EQ(all.size(), 8000u);
+    EXPECT_EQ(all.size(), 16000u);
     const KNCString& some = *all.begin();
     EXPECT_EQ(some.substr(0, 13) + some.substr(some.size() - 3), "_=_next_part__=_");
     EXPECT_GT(std::stoll(some.substr(13)), 1600000000000LL); // milliseconds since 1970, not seconds

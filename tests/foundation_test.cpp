@@ -147,8 +147,8 @@ TEST(KNTCountingPointerTest, SharesOwnershipAndRefusesNull)
     }
     EXPECT_EQ(alive, 0);
     KNTCountingPointer<CountedBody> null;
-    EXPECT_THROW(null->value, KNTHRInvalidPointer);
-    EXPECT_THROW(*null, KNTHRInvalidPointer);
+    EXPECT_THROW((void)null->value, KNTHRInvalidPointer);
+    EXPECT_THROW((void)*null, KNTHRInvalidPointer);
     EXPECT_EQ(null.useCount(), 0);
 }
 

@@ -6,6 +6,7 @@
 #include <mime/KNMimeTextType.h>
 
 #include <gtest/gtest.h>
+#include <tests/TestSupport.h>
 
 #include <utility>
 
@@ -19,17 +20,6 @@ KNCString invalidToken(const KNCString& text)
 KNCString invalidConversion(const KNCString& type)
 {
     return "[INVALID_TYPE_CONVERSION] Unable to convert from \"" + type + "\"";
-}
-
-// What the action returns, or the text of the KNMimeError it throws.
-template <class F>
-KNCString outcome(F action)
-{
-    try {
-        return action();
-    } catch (const KNMimeError& e) {
-        return e.why();
-    }
 }
 
 KNMimeContentType parsed(const KNCString& text)

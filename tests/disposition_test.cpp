@@ -3,6 +3,7 @@
 #include <mime/KNMimeError.h>
 
 #include <gtest/gtest.h>
+#include <tests/TestSupport.h>
 
 #include <utility>
 
@@ -11,17 +12,6 @@ namespace {
 KNCString invalidToken(const KNCString& text)
 {
     return "[INVALID_TOKEN] The following is not a valid token:  \"" + text + "\"";
-}
-
-// What the action returns, or the text of the KNMimeError it throws.
-template <class F>
-KNCString outcome(F action)
-{
-    try {
-        return action();
-    } catch (const KNMimeError& e) {
-        return e.why();
-    }
 }
 
 KNMimeContentDisposition parsed(const KNCString& text)

@@ -2,27 +2,12 @@
 #include <mime/KNMimeUtils.h>
 
 #include <gtest/gtest.h>
+#include <tests/TestSupport.h>
 
 #include <random>
 #include <typeinfo>
 
 using U = KNMimeUtils;
-
-namespace {
-
-// The text of the error f throws, which must be of exactly type E.
-template <class E, class F>
-KNCString errorText(F f)
-{
-    try {
-        f();
-    } catch (const KNMimeError& e) {
-        return typeid(e) == typeid(E) ? e.why() : "of another type: " + e.why();
-    }
-    return "no error";
-}
-
-} // namespace
 
 TEST(EncodedWord, EncodeSplitsWordsByRoomAndGuardsTheCharset)
 {

@@ -2,6 +2,7 @@
 #include <mime/KNMimeUtils.h>
 
 #include <gtest/gtest.h>
+#include <tests/TestSupport.h>
 
 #include <algorithm>
 #include <random>
@@ -10,22 +11,6 @@
 
 using U = KNMimeUtils;
 using namespace std::string_literals;
-
-namespace {
-
-// The text of the error f throws, which must be of exactly type E.
-template <class E, class F>
-KNCString errorText(F f)
-{
-    try {
-        f();
-    } catch (const KNMimeError& e) {
-        return typeid(e) == typeid(E) ? e.why() : "of another type: " + e.why();
-    }
-    return "no error";
-}
-
-} // namespace
 
 TEST(Base64, ExactRoundTripAndBadInput)
 {

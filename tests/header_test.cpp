@@ -4,6 +4,7 @@
 #include <mime/KNMimeHeaderImp.h>
 
 #include <gtest/gtest.h>
+#include <tests/TestSupport.h>
 
 #include <random>
 #include <typeinfo>
@@ -17,19 +18,6 @@ KNMimeHeader parsed(const KNCString& line)
     KNMimeHeader header;
     header.fromString(line);
     return header;
-}
-
-// Expects `action` to throw exactly E with the text `why`.
-template <class E, class F>
-void expectError(F action, const KNCString& why)
-{
-    try {
-        action();
-        ADD_FAILURE() << "nothing thrown: " << why;
-    } catch (const E& e) {
-        EXPECT_TRUE(typeid(e) == typeid(E)) << why;
-        EXPECT_EQ(e.why(), why);
-    }
 }
 
 const KNCString missingSeparator = "[MISSING_HEADER_SEPARATOR] Unable to separate label from value";

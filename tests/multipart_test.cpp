@@ -11,6 +11,7 @@
 #include <foundation/KNBoundsErr.h>
 
 #include <gtest/gtest.h>
+#include <tests/TestSupport.h>
 
 namespace {
 
@@ -18,17 +19,6 @@ const KNCString nestingError = "[NESTING_TOO_DEEP] Multipart nesting exceeds 128
 const KNCString separatorError = "[MISSING_HEADER_BODY_SEPARATOR] Unable to separate message headers from body";
 const KNCString refusedConversion =
     "[INVALID_MULTIPART_CONVERSION] Unable to convert non-multipart message to multipart";
-
-template <class Error, class Call>
-KNCString errorText(Call call)
-{
-    try {
-        call();
-    } catch (const Error& e) {
-        return e.why();
-    }
-    return "(nothing thrown)";
-}
 
 // A multipart whose Content-Type carries boundary "b", with the given body parsed into it.
 KNMimeMultipart withBody(const KNCString& body)

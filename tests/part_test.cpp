@@ -11,6 +11,7 @@
 #include <foundation/KNBoundsErr.h>
 
 #include <gtest/gtest.h>
+#include <tests/TestSupport.h>
 
 #include <random>
 
@@ -23,17 +24,6 @@ KNMimePart parsed(const KNCString& text)
     KNMimePart part;
     part.fromString(text);
     return part;
-}
-
-template <class Error, class Call>
-KNCString errorText(Call call)
-{
-    try {
-        call();
-    } catch (const Error& e) {
-        return e.why();
-    }
-    return "(nothing thrown)";
 }
 
 } // namespace

@@ -9,6 +9,7 @@
 #include <mime/KNMimeVersionHeader.h>
 
 #include <gtest/gtest.h>
+#include <tests/TestSupport.h>
 
 #include <tuple>
 #include <typeinfo>
@@ -20,19 +21,6 @@ KNMimeHeader parsed(const KNCString& line)
     KNMimeHeader header;
     header.fromString(line);
     return header;
-}
-
-// Expects `action` to throw exactly E with the text `why`.
-template <class E, class F>
-void expectError(F action, const KNCString& why)
-{
-    try {
-        action();
-        ADD_FAILURE() << "nothing thrown: " << why;
-    } catch (const E& e) {
-        EXPECT_TRUE(typeid(e) == typeid(E)) << why;
-        EXPECT_EQ(e.why(), why);
-    }
 }
 
 TEST(KNMimeTypedHeaderTest, ConversionSharesTheBodyButNewHandlesAndCopiesDoNot)

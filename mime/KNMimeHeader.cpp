@@ -32,8 +32,10 @@ KNCString KNMimeHeader::asString() const
     return body()->asString();
 }
 
-// The new header is built aside and bound only once its value has parsed, so a failure
-// at any step leaves this handle, and every handle sharing its body, as it was.
+// A line without a separator, or with a label this handle may not carry, leaves the handle
+// untouched. Otherwise the handle is rebound to a new body from the factory before the value
+// is read, so handles that shared the old body keep it, and a value the body refuses leaves
+// this handle with the new label and whatever the body read before failing.
 void KNMimeHeader::fromString(const KNCString& text)
 {
     checkedBody();
@@ -46,11 +48,10 @@ void KNMimeHeader::fromString(const KNCString& text)
     if (!checkLabel(label))
         throwConversionRefused(getLabel());
     const KNCString value = KNMimeScan::unfoldAndTrim(line.substr(colon + 1));
-    KNMimeHeader parsed(label);
+    KNHandleBase::operator=(KNMimeHeader(label));
     // An empty value keeps the default of the body class (text/plain for Content-Type).
     if (!value.empty())
-        parsed.body()->setValueFromString(value);
-    KNHandleBase::operator=(parsed);
+        body()->setValueFromString(value);
 }
 
 KNMimeHeader KNMimeHeader::copy() const

@@ -41,6 +41,7 @@ KNCString KNMimePart::asString() const
 
 void KNMimePart::fromString(const KNCString& text)
 {
+    body(); // like every operation, refused on an empty handle
     // A multipart handle must keep a multipart body, whichever static type it is called through.
     const bool multipartHandle = dynamic_cast<const KNMimeMultipart*>(this) != nullptr;
     const KNMimePart parsed = KNMimeEntityText::parseEntity(text, 0, multipartHandle);

@@ -9,6 +9,7 @@
 #include <mime/KNMimePart.h>
 
 #include <foundation/KNBoundsErr.h>
+#include <foundation/KNTHRInvalidPointer.h>
 
 #include <gtest/gtest.h>
 #include <tests/TestSupport.h>
@@ -78,8 +79,7 @@ TEST(Part, PrintsThroughSharedHandlesAndHeaders)
     EXPECT_EQ(b.asString(), "X-Fetched: changed\r\nX-Later: after\r\n\r\ntext");
 
     KNMimePart empty(static_cast<KNMimePartImp*>(nullptr));
-    empty.fromString("\r\nnow filled"); // needs no old body
-    EXPECT_EQ(empty.getBody(), "now filled");
+    EXPECT_EQ(errorText<KNTHRInvalidPointer>([&] { empty.fromString("\r\nx"); }), "Invalid pointer");
 }
 
 TEST(Part, KindFollowsTheFirstContentTypeAtCreationOnly)

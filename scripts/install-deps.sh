@@ -1,7 +1,18 @@
 #!/usr/bin/env bash
 # Installs, from Debian's packages, whatever of the build's needs this machine lacks.
 # Safe to run again: packages already present are left alone.
+#
+#     scripts/install-deps.sh            the build, tests and benchmarks
+#     scripts/install-deps.sh --peers    also the peer MIME libraries of bench/peer
 set -euo pipefail
+
+peers=0
+for arg in "$@"; do
+  case "$arg" in
+    --peers) peers=1 ;;
+    *) echo "usage: $0 [--peers]" >&2; exit 2 ;;
+  esac
+done
 
 needed=()
 have_cmd() { command -v "$1" >/dev/null 2>&1; }
@@ -15,6 +26,12 @@ have_pkg libclang-rt-14-dev || have_pkg libclang-rt-dev || needed+=(libclang-rt-
 have_pkg libgtest-dev || needed+=(libgtest-dev)
 have_pkg libgmock-dev || needed+=(libgmock-dev)
 have_pkg libbenchmark-dev || needed+=(libbenchmark-dev)
+if [ "$peers" -eq 1 ]; then
+  have_cmd pkg-config || needed+=(pkg-config)
+  have_pkg libgmime-3.0-dev || needed+=(libgmime-3.0-dev)
+  have_pkg libmimetic-dev || needed+=(libmimetic-dev)
+  have_pkg libvmime-dev || needed+=(libvmime-dev)
+fi
 
 if [ ${#needed[@]} -gt 0 ]; then
   echo "installing: ${needed[*]}"

@@ -12,9 +12,6 @@
 
 class KNMIME_EXPORT KNHandleBase {
 public:
-    KNHandleBase(const KNHandleBase& other) noexcept;
-    KNHandleBase& operator=(const KNHandleBase& other) noexcept;
-
     // True when both handles refer to the very same body (identity, not value).
     bool sharesBodyWith(const KNHandleBase& other) const noexcept { return body_ == other.body_; }
     bool isEmpty() const noexcept { return body_ == nullptr; }
@@ -22,13 +19,26 @@ public:
 protected:
     // Adopts the body (null gives an empty handle) and adds one reference to it.
     explicit KNHandleBase(KNBodyBase* body = nullptr) noexcept;
+    // Copies share the body. Protected, so that a handle is only ever assigned a handle of
+    // its own class, never another class's body through a base reference.
+    KNHandleBase(const KNHandleBase& other) noexcept;
+    KNHandleBase& operator=(const KNHandleBase& other) noexcept;
     ~KNHandleBase();
 
     // The body, or KNTHRInvalidPointer ("Invalid pointer") for an empty handle.
     KNBodyBase* checkedBody() const;
 
-    // The body as the given body class; an empty handle, or a body of another class,
-    // throws KNTHRInvalidPointer.
+    // The body of a root handle, whose constructors accept bodies of class Body only, so
+    // that no check beyond the empty handle is needed.
+    template <class Body>
+    Body* rootBody() const
+    {
+        return static_cast<Body*>(checkedBody());
+    }
+
+    // The body as the given body class, for handles that view another handle's body (typed
+    // headers, multiparts); an empty handle, or a body of another class, throws
+    // KNTHRInvalidPointer.
     template <class Body>
     Body* bodyAs() const
     {

@@ -26,7 +26,7 @@ public:
     KNMimeContentDisposition& operator=(const KNMimeContentDisposition& other) = default;
     virtual ~KNMimeContentDisposition();
 
-    KNMimeContentDispositionImp* body() const { return bodyAs<KNMimeContentDispositionImp>(); }
+    KNMimeContentDispositionImp* body() const { return rootBody<KNMimeContentDispositionImp>(); }
     // An independent deep copy.
     KNMimeContentDisposition copy() const;
 

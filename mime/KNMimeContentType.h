@@ -26,7 +26,7 @@ public:
     // Whether this class accepts the pair; fromString consults it. Any pair here.
     virtual bool checkType(const KNCString& mediaType, const KNCString& subType) const;
 
-    KNMimeContentTypeImp* body() const { return bodyAs<KNMimeContentTypeImp>(); }
+    KNMimeContentTypeImp* body() const { return rootBody<KNMimeContentTypeImp>(); }
     // An independent deep copy.
     KNMimeContentType copy() const;
 

@@ -27,7 +27,7 @@ public:
     KNMimePart& operator=(const KNMimePart& other) = default;
     virtual ~KNMimePart();
 
-    KNMimePartImp* body() const { return bodyAs<KNMimePartImp>(); }
+    KNMimePartImp* body() const { return rootBody<KNMimePartImp>(); }
 
     // Headers, each followed by CRLF, an empty line, then the body; the body is printed as
     // stored (no transfer encoding is applied).

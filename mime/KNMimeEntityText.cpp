@@ -10,6 +10,7 @@
 #include <mime/KNMimeMultipartImp.h>
 #include <mime/KNMimeMultipartType.h>
 #include <mime/KNMimeStringPartImp.h>
+#include <mime/internal/KNMimeHeaderLine.h>
 
 #include <algorithm>
 #include <vector>
@@ -27,9 +28,6 @@ constexpr std::string_view dashes = "--";
 std::vector<KNMimeHeader> parseHeaderBlock(std::string_view text, std::size_t blockEnd)
 {
     std::vector<KNMimeHeader> headers;
-    // fromString rebinds the handle to a new body each time, so one handle parses every line
-    // and the stored copies keep their own bodies.
-    KNMimeHeader header;
     std::size_t start = 0;
     std::size_t p = 0;
     while (p < blockEnd) {
@@ -37,8 +35,7 @@ std::vector<KNMimeHeader> parseHeaderBlock(std::string_view text, std::size_t bl
         p = e + 2;                                // at most blockEnd + 2, inside the empty line
         if (text[p] == ' ' || text[p] == '\t')
             continue;
-        header.fromString(KNCString(text.substr(start, e - start)));
-        headers.push_back(header);
+        headers.push_back(KNMimeHeaderLine::parse(text.substr(start, e - start)));
         start = p;
     }
     return headers;

@@ -5,6 +5,7 @@
 #include <mime/KNMimeHeaderFactory.h>
 #include <mime/KNMimeHeaderImp.h>
 #include <mime/KNMimeMessages.h>
+#include <mime/internal/KNMimeHeaderLine.h>
 #include <mime/internal/KNMimeScan.h>
 
 #include <cstddef>
@@ -32,6 +33,31 @@ KNCString KNMimeHeader::asString() const
     return body()->asString();
 }
 
+namespace {
+
+struct SplitLine {
+    KNCString label; // cleaned of comments, blanks and quotes
+    KNCString value; // unfolded and trimmed
+};
+
+// Splits at the first colon outside quotes and comments.
+SplitLine split(std::string_view line)
+{
+    const std::size_t colon = KNMimeScan::findDelimiter(line, ':');
+    if (colon == std::string_view::npos)
+        KNThrow(KNMimeParseError(KNMessage(knmime_MISSING_HEADER_SEPARATOR())));
+    return {KNMimeScan::cleanToken(line.substr(0, colon), true), KNMimeScan::unfoldAndTrim(line.substr(colon + 1))};
+}
+
+// An empty value keeps the default of the body class (text/plain for Content-Type).
+void readValue(KNMimeHeaderImp& body, const KNCString& value)
+{
+    if (!value.empty())
+        body.setValueFromString(value);
+}
+
+} // namespace
+
 // A line without a separator, or with a label this handle may not carry, leaves the handle
 // untouched. Otherwise the handle is rebound to a new body from the factory before the value
 // is read, so handles that shared the old body keep it, and a value the body refuses leaves
@@ -39,19 +65,20 @@ KNCString KNMimeHeader::asString() const
 void KNMimeHeader::fromString(const KNCString& text)
 {
     checkedBody();
-    const std::string_view line(text);
-    const std::size_t colon = KNMimeScan::findDelimiter(line, ':');
-    if (colon == std::string_view::npos)
-        KNThrow(KNMimeParseError(KNMessage(knmime_MISSING_HEADER_SEPARATOR())));
-    const KNCString label = KNMimeScan::cleanToken(line.substr(0, colon), true);
+    const SplitLine line = split(text);
     // The refusal names the label this handle had, not the parsed one.
-    if (!checkLabel(label))
+    if (!checkLabel(line.label))
         throwConversionRefused(getLabel());
-    const KNCString value = KNMimeScan::unfoldAndTrim(line.substr(colon + 1));
-    KNHandleBase::operator=(KNMimeHeader(label));
-    // An empty value keeps the default of the body class (text/plain for Content-Type).
-    if (!value.empty())
-        body()->setValueFromString(value);
+    KNHandleBase::operator=(KNMimeHeader(line.label));
+    readValue(*body(), line.value);
+}
+
+KNMimeHeader KNMimeHeaderLine::parse(std::string_view text)
+{
+    const SplitLine line = split(text);
+    KNMimeHeader header(line.label);
+    readValue(*header.body(), line.value);
+    return header;
 }
 
 KNMimeHeader KNMimeHeader::copy() const
@@ -66,7 +93,7 @@ bool KNMimeHeader::checkLabel(const KNCString&) const
 
 KNMimeHeaderImp* KNMimeHeader::body() const
 {
-    return bodyAs<KNMimeHeaderImp>();
+    return rootBody<KNMimeHeaderImp>();
 }
 
 void KNMimeHeader::throwConversionRefused(const KNCString& label)

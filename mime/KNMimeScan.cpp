@@ -93,6 +93,26 @@ std::size_t foldPoint(std::string_view text, std::size_t p, std::size_t e) noexc
     return f;
 }
 
+// Bytes that end a run of ordinary bytes in unquoted text: quote, comment, white space.
+struct RunEndTable {
+    bool flags[256] = {};
+
+    constexpr RunEndTable()
+    {
+        for (const char* p = "\"( \t\r\n"; *p != '\0'; ++p)
+            flags[static_cast<unsigned char>(*p)] = true;
+    }
+};
+
+constexpr RunEndTable runEnd;
+
+std::size_t endOfPlainRun(std::string_view text, std::size_t from) noexcept
+{
+    while (from < text.size() && !runEnd.flags[static_cast<unsigned char>(text[from])])
+        ++from;
+    return from;
+}
+
 // Steps over byte i of a comment nested `depth` deep; a backslash also takes the byte
 // after it. Returns false when the byte closed the outermost comment.
 bool stepInComment(std::string_view text, std::size_t& i, std::size_t& depth) noexcept
@@ -186,7 +206,11 @@ KNCString cleanToken(std::string_view text, bool unquote)
                 }
                 state = Blanks;
             } else {
-                out += c;
+                // Ordinary bytes come in runs (names, values): copy a whole run at once.
+                const std::size_t end = endOfPlainRun(text, i + 1);
+                out.append(text.data() + i, end - i);
+                i = end;
+                continue;
             }
             break;
         case Quoted:

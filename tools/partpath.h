@@ -18,7 +18,7 @@ PartPath parsePartPath(const KNCString& text);
 // The path as the user writes it: "1.2", or "." for the message.
 KNCString formatPartPath(const PartPath& path);
 
-// The path in a sentence: "part 1.2", or "the message".
+// The path in a sentence: "part 7.3", or "the message".
 KNCString describePart(const PartPath& path);
 
 // The part of `message` at `path`, sharing its body; UsageError naming the first step of the

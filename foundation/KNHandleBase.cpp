@@ -16,6 +16,17 @@ KNHandleBase& KNHandleBase::operator=(const KNHandleBase& other) noexcept
     return *this;
 }
 
+KNHandleBase& KNHandleBase::operator=(KNHandleBase&& other) noexcept
+{
+    if (this != &other) {
+        KNBodyBase* old = body_;
+        body_ = other.body_;
+        other.body_ = nullptr;
+        release(old);
+    }
+    return *this;
+}
+
 KNHandleBase::~KNHandleBase()
 {
     release(body_);

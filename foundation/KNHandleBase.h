@@ -23,6 +23,9 @@ protected:
     // its own class, never another class's body through a base reference.
     KNHandleBase(const KNHandleBase& other) noexcept;
     KNHandleBase& operator=(const KNHandleBase& other) noexcept;
+    // A moved-from handle is empty; moving spares the reference count two atomic updates.
+    KNHandleBase(KNHandleBase&& other) noexcept : body_(other.body_) { other.body_ = nullptr; }
+    KNHandleBase& operator=(KNHandleBase&& other) noexcept;
     ~KNHandleBase();
 
     // The body, or KNTHRInvalidPointer ("Invalid pointer") for an empty handle.

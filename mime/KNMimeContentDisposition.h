@@ -24,6 +24,8 @@ public:
     explicit KNMimeContentDisposition(KNMimeContentDispositionImp* body);
     KNMimeContentDisposition(const KNMimeContentDisposition& other) = default;
     KNMimeContentDisposition& operator=(const KNMimeContentDisposition& other) = default;
+    KNMimeContentDisposition(KNMimeContentDisposition&&) noexcept = default;
+    KNMimeContentDisposition& operator=(KNMimeContentDisposition&&) noexcept = default;
     virtual ~KNMimeContentDisposition();
 
     KNMimeContentDispositionImp* body() const { return rootBody<KNMimeContentDispositionImp>(); }

@@ -21,6 +21,8 @@ public:
     explicit KNMimeContentType(KNMimeContentTypeImp* body);
     KNMimeContentType(const KNMimeContentType& other) = default;
     KNMimeContentType& operator=(const KNMimeContentType& other) = default;
+    KNMimeContentType(KNMimeContentType&&) noexcept = default;
+    KNMimeContentType& operator=(KNMimeContentType&&) noexcept = default;
     virtual ~KNMimeContentType();
 
     // Whether this class accepts the pair; fromString consults it. Any pair here.

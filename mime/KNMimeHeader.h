@@ -21,6 +21,8 @@ public:
     explicit KNMimeHeader(KNMimeHeaderImp* body);
     KNMimeHeader(const KNMimeHeader& other) = default;
     KNMimeHeader& operator=(const KNMimeHeader& other) = default;
+    KNMimeHeader(KNMimeHeader&&) noexcept = default;
+    KNMimeHeader& operator=(KNMimeHeader&&) noexcept = default;
     virtual ~KNMimeHeader();
 
     KNCString getLabel() const;

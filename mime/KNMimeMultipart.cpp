@@ -35,8 +35,6 @@ KNMimeMultipart::KNMimeMultipart(const KNMimePart& part) : KNMimePart(multipartO
 
 KNMimeMultipart::KNMimeMultipart(KNMimeMultipartImp* body) : KNMimePart(body) {}
 
-KNMimeMultipart::~KNMimeMultipart() = default;
-
 KNCString KNMimeMultipart::getPreamble() const
 {
     return body()->getPreamble();

@@ -30,7 +30,6 @@ public:
     explicit KNMimeMultipart(KNMimeMultipartImp* body);
     KNMimeMultipart(const KNMimeMultipart& other) = default;
     KNMimeMultipart& operator=(const KNMimeMultipart& other) = default;
-    ~KNMimeMultipart() override;
 
     KNMimeMultipartImp* body() const { return bodyAs<KNMimeMultipartImp>(); }
 

@@ -28,8 +28,6 @@ KNMimeMultipartRelatedType::KNMimeMultipartRelatedType(KNMimeContentTypeImp* bod
 {
 }
 
-KNMimeMultipartRelatedType::~KNMimeMultipartRelatedType() = default;
-
 bool KNMimeMultipartRelatedType::checkType(const KNCString& mediaType, const KNCString& subType) const
 {
     return KNMimeMultipartType::checkType(mediaType, subType) && knEqualsIgnoreCase(subType, Related);

@@ -26,7 +26,6 @@ public:
     explicit KNMimeMultipartRelatedType(KNMimeContentTypeImp* body);
     KNMimeMultipartRelatedType(const KNMimeMultipartRelatedType& other) = default;
     KNMimeMultipartRelatedType& operator=(const KNMimeMultipartRelatedType& other) = default;
-    ~KNMimeMultipartRelatedType() override;
 
     // True for multipart (ignoring case) with subtype "related" (ignoring case).
     bool checkType(const KNCString& mediaType, const KNCString& subType) const override;

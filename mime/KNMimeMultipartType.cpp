@@ -23,8 +23,6 @@ KNMimeMultipartType::KNMimeMultipartType(const KNMimeContentType& type) : KNMime
 
 KNMimeMultipartType::KNMimeMultipartType(KNMimeContentTypeImp* body) : KNMimeContentType(body) {}
 
-KNMimeMultipartType::~KNMimeMultipartType() = default;
-
 bool KNMimeMultipartType::checkType(const KNCString& mediaType, const KNCString&) const
 {
     return knEqualsIgnoreCase(mediaType, Multipart);

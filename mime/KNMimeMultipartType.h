@@ -23,7 +23,6 @@ public:
     explicit KNMimeMultipartType(KNMimeContentTypeImp* body);
     KNMimeMultipartType(const KNMimeMultipartType& other) = default;
     KNMimeMultipartType& operator=(const KNMimeMultipartType& other) = default;
-    ~KNMimeMultipartType() override;
 
     // True for media type "multipart" (ignoring case), whatever the subtype.
     bool checkType(const KNCString& mediaType, const KNCString& subType) const override;

@@ -25,6 +25,8 @@ public:
     explicit KNMimePart(KNMimePartImp* body);
     KNMimePart(const KNMimePart& other) = default;
     KNMimePart& operator=(const KNMimePart& other) = default;
+    KNMimePart(KNMimePart&&) noexcept = default;
+    KNMimePart& operator=(KNMimePart&&) noexcept = default;
     virtual ~KNMimePart();
 
     KNMimePartImp* body() const { return rootBody<KNMimePartImp>(); }

@@ -21,8 +21,6 @@ KNMimeTextType::KNMimeTextType(const KNMimeContentType& type) : KNMimeContentTyp
 
 KNMimeTextType::KNMimeTextType(KNMimeContentTypeImp* body) : KNMimeContentType(body) {}
 
-KNMimeTextType::~KNMimeTextType() = default;
-
 bool KNMimeTextType::checkType(const KNCString& mediaType, const KNCString&) const
 {
     return knEqualsIgnoreCase(mediaType, Text);

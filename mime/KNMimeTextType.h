@@ -22,7 +22,6 @@ public:
     explicit KNMimeTextType(KNMimeContentTypeImp* body);
     KNMimeTextType(const KNMimeTextType& other) = default;
     KNMimeTextType& operator=(const KNMimeTextType& other) = default;
-    ~KNMimeTextType() override;
 
     // True for media type "text" (ignoring case), whatever the subtype.
     bool checkType(const KNCString& mediaType, const KNCString& subType) const override;

@@ -97,6 +97,12 @@ TEST(KNHandleBaseTest, SharesCountsAndDeletesOnce)
         c = a; // c's own body was the last reference
         EXPECT_EQ(alive, 1);
         EXPECT_TRUE(c.sharesBodyWith(a));
+        TestHandle moved = std::move(b); // takes b's reference: the count does not change
+        EXPECT_TRUE(b.isEmpty());
+        EXPECT_EQ(a.body()->referenceCount(), 3u);
+        moved = std::move(c); // drops its own reference, takes c's
+        EXPECT_TRUE(c.isEmpty());
+        EXPECT_EQ(a.body()->referenceCount(), 2u);
     }
     EXPECT_EQ(alive, 0);
 }

@@ -28,8 +28,6 @@ public:
     KNMimeMultipart(const KNMimePart& part);
     // Adopts the body; null gives an empty handle.
     explicit KNMimeMultipart(KNMimeMultipartImp* body);
-    KNMimeMultipart(const KNMimeMultipart& other) = default;
-    KNMimeMultipart& operator=(const KNMimeMultipart& other) = default;
 
     KNMimeMultipartImp* body() const { return bodyAs<KNMimeMultipartImp>(); }
 

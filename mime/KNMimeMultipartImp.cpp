@@ -76,6 +76,8 @@ void KNMimeMultipartImp::removePartAt(std::size_t i)
 
 std::size_t KNMimeMultipartImp::findPart(const KNMimeHeader& header, std::size_t start) const
 {
+    if (start >= parts_.size())
+        return KNCString::npos; // nothing to search: the header is not even looked at
     const KNCString label = header.getLabel();
     for (std::size_t i = start; i < parts_.size(); ++i) {
         const KNMimePartImp& part = *parts_[i].body();
@@ -110,7 +112,9 @@ void KNMimeMultipartImp::appendBodyTo(KNCString& out) const
 std::size_t KNMimeMultipartImp::bodySizeHint() const
 {
     std::size_t size = preamble_.size() + CRLF.size() + delimiterSizeGuess;
+    // Only a guess: an empty handle among the parts is refused by the printing itself, after
+    // the boundary has been checked.
     for (const KNMimePart& part : parts_)
-        size += part.body()->printedSizeHint() + delimiterSizeGuess;
+        size += (part.isEmpty() ? 0 : part.body()->printedSizeHint()) + delimiterSizeGuess;
     return size;
 }

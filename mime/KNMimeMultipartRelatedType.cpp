@@ -16,9 +16,11 @@ KNMimeMultipartRelatedType::KNMimeMultipartRelatedType(const KNCString& type, co
     setStartInfo(startInfo);
 }
 
+// Like every constructor of this class, starts as a default multipart type: that draws a
+// boundary number, dropped with the default body when `type` is taken over.
 KNMimeMultipartRelatedType::KNMimeMultipartRelatedType(const KNMimeContentType& type)
-    : KNMimeMultipartType(type.body())
 {
+    KNMimeContentType::operator=(type);
     if (!KNMimeMultipartRelatedType::checkType(getMediaType(), getSubType()))
         throwInvalidConversion();
 }

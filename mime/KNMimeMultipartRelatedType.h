@@ -24,8 +24,6 @@ public:
     // multipart/related.
     KNMimeMultipartRelatedType(const KNMimeContentType& type);
     explicit KNMimeMultipartRelatedType(KNMimeContentTypeImp* body);
-    KNMimeMultipartRelatedType(const KNMimeMultipartRelatedType& other) = default;
-    KNMimeMultipartRelatedType& operator=(const KNMimeMultipartRelatedType& other) = default;
 
     // True for multipart (ignoring case) with subtype "related" (ignoring case).
     bool checkType(const KNCString& mediaType, const KNCString& subType) const override;

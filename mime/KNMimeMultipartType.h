@@ -21,8 +21,6 @@ public:
     // (INVALID_TYPE_CONVERSION) unless it is multipart.
     KNMimeMultipartType(const KNMimeContentType& type);
     explicit KNMimeMultipartType(KNMimeContentTypeImp* body);
-    KNMimeMultipartType(const KNMimeMultipartType& other) = default;
-    KNMimeMultipartType& operator=(const KNMimeMultipartType& other) = default;
 
     // True for media type "multipart" (ignoring case), whatever the subtype.
     bool checkType(const KNCString& mediaType, const KNCString& subType) const override;

@@ -38,7 +38,7 @@ public:
     // the kind of body follows the first Content-Type header. Handles that shared the old
     // body keep it, and on any error this handle is left as it was. Through a
     // KNMimeMultipart handle a text that is not multipart is refused with
-    // INVALID_MULTIPART_CONVERSION. Works on an empty handle too.
+    // INVALID_MULTIPART_CONVERSION.
     void fromString(const KNCString& text);
 
     bool isMultipart() const;

@@ -20,8 +20,6 @@ public:
     // Shares the body of `type`; KNMimeError (INVALID_TYPE_CONVERSION) unless it is text.
     KNMimeTextType(const KNMimeContentType& type);
     explicit KNMimeTextType(KNMimeContentTypeImp* body);
-    KNMimeTextType(const KNMimeTextType& other) = default;
-    KNMimeTextType& operator=(const KNMimeTextType& other) = default;
 
     // True for media type "text" (ignoring case), whatever the subtype.
     bool checkType(const KNCString& mediaType, const KNCString& subType) const override;

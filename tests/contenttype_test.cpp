@@ -114,6 +114,12 @@ TEST(KNMimeSpecialisedTypeTest, ConstructorsAndNamedParameters)
     EXPECT_EQ(first.asString(), "multipart/mixed; boundary=\"" + first.getBoundary() + "\"");
     EXPECT_NE(first.getBoundary(), second.getBoundary());
     EXPECT_FALSE(KNMimeMultipartRelatedType("", "", "", "").getBoundary().empty());
+    // Converting to a related type draws (and drops) one boundary number as it starts.
+    const KNMimeMultipartType before;
+    const KNMimeMultipartRelatedType related{KNMimeMultipartType("related", "r")};
+    const KNMimeMultipartType after;
+    const auto number = [](const KNCString& b) { return std::stoll(b.substr(13)); };
+    EXPECT_EQ(number(after.getBoundary()) - number(before.getBoundary()), 2); // one drawn in between
     KNMimeMultipartType multipart("alternative", "abc");
     EXPECT_EQ(multipart.asString(), "multipart/alternative; boundary=\"abc\"");
     multipart.setBoundary("");

@@ -85,7 +85,9 @@ TEST(Multipart, ParsesDelimitersPreambleAndParts)
 
 TEST(Multipart, BoundaryErrorsAndWhatAFailedSetBodyLeaves)
 {
-    EXPECT_EQ(errorText<KNMimeError>([] { KNMimeMultipart().getBody(); }),
+    KNMimeMultipart noType; // the boundary is checked before the parts are looked at
+    noType.insertPart(KNMimePart(static_cast<KNMimePartImp*>(nullptr)));
+    EXPECT_EQ(errorText<KNMimeError>([&] { noType.getBody(); }),
               "[MISSING_HEADER] The required header \"Content-Type\" not found");
     EXPECT_EQ(errorText<KNMimeError>([] { parsed("Content-Type: multipart/mixed; boundary=\"\"\r\n\r\n--b--"); }),
               "[MISSING_BOUNDARY_PARAMETER] The required \"boundary\" parameter on \"Content-Type\" not found");
@@ -157,6 +159,8 @@ TEST(Multipart, FindPartSearchesOwnHeadersOfEachPart)
     EXPECT_EQ(m.findPart(KNMimeGenericHeader("X-TAG", "two"), 1), 2u);
     EXPECT_EQ(m.findPart(KNMimeGenericHeader("X-Tag", "deep"), 0), KNCString::npos); // not nested ones
     EXPECT_EQ(m.findPart(KNMimeContentTypeHeader(KNMimeMultipartType("MIXED", "c")), 0), 1u); // typed equality
+    // Past the end nothing is searched, so nothing is thrown, not even for an empty header.
+    EXPECT_EQ(m.findPart(KNMimeHeader(static_cast<KNMimeHeaderImp*>(nullptr)), 3), KNCString::npos);
 }
 
 TEST(Multipart, NestingCapBoundary)

@@ -22,12 +22,14 @@ void KNMimeParseError::raise() const
     throw *this;
 }
 
+// The copy is made inside a noexcept function, straight into the exception object: if
+// copying the text fails, the process ends instead of another exception taking this one's place.
 void KNThrow(const KNMimeError& error)
 {
-    throw KNMimeError(error);
+    throw [&]() noexcept { return KNMimeError(error); }();
 }
 
 void KNThrow(const KNMimeParseError& error)
 {
-    throw KNMimeParseError(error);
+    throw [&]() noexcept { return KNMimeParseError(error); }();
 }

@@ -11,29 +11,15 @@
 #include <cstddef>
 #include <string_view>
 
-KNMimeHeader::KNMimeHeader() : KNMimeHeader(KNMimeHeaderFactory::instance()->create(KNCString())) {}
-
-// The body class follows the case-insensitive lookup; the label keeps the caller's spelling.
-KNMimeHeader::KNMimeHeader(const KNCString& label) : KNMimeHeader(KNMimeHeaderFactory::instance()->create(label))
-{
-    body()->setLabel(label);
-}
-
-KNMimeHeader::KNMimeHeader(KNMimeHeaderImp* body) : KNHandleBase(body) {}
-
-KNMimeHeader::~KNMimeHeader() = default;
-
-KNCString KNMimeHeader::getLabel() const
-{
-    return body()->getLabel();
-}
-
-KNCString KNMimeHeader::asString() const
-{
-    return body()->asString();
-}
-
 namespace {
+
+// The factory, held once for this file: a header made per line should not pay for the
+// counted pointer's two atomic updates that instance() costs each time.
+const KNMimeHeaderFactory& factory()
+{
+    static const KNTCountingPointer<KNMimeHeaderFactory, KNAtomicCounter> held = KNMimeHeaderFactory::instance();
+    return *held;
+}
 
 struct SplitLine {
     KNCString label; // cleaned of comments, blanks and quotes
@@ -57,6 +43,28 @@ void readValue(KNMimeHeaderImp& body, const KNCString& value)
 }
 
 } // namespace
+
+KNMimeHeader::KNMimeHeader() : KNMimeHeader(factory().create(KNCString())) {}
+
+// The body class follows the case-insensitive lookup; the label keeps the caller's spelling.
+KNMimeHeader::KNMimeHeader(const KNCString& label) : KNMimeHeader(factory().create(label))
+{
+    body()->setLabel(label);
+}
+
+KNMimeHeader::KNMimeHeader(KNMimeHeaderImp* body) : KNHandleBase(body) {}
+
+KNMimeHeader::~KNMimeHeader() = default;
+
+KNCString KNMimeHeader::getLabel() const
+{
+    return body()->getLabel();
+}
+
+KNCString KNMimeHeader::asString() const
+{
+    return body()->asString();
+}
 
 // A line without a separator, or with a label this handle may not carry, leaves the handle
 // untouched. Otherwise the handle is rebound to a new body from the factory before the value

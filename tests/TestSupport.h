@@ -41,4 +41,19 @@ KNCString outcome(F action)
     }
 }
 
+// A T read from `text` with its fromString.
+template <class T>
+T parsedAs(const KNCString& text)
+{
+    T value;
+    value.fromString(text);
+    return value;
+}
+
+// The text of the error refusing to print a non-token.
+inline KNCString invalidToken(const KNCString& text)
+{
+    return "[INVALID_TOKEN] The following is not a valid token:  \"" + text + "\"";
+}
+
 #endif

@@ -12,22 +12,12 @@
 
 namespace {
 
-KNCString invalidToken(const KNCString& text)
-{
-    return "[INVALID_TOKEN] The following is not a valid token:  \"" + text + "\"";
-}
-
 KNCString invalidConversion(const KNCString& type)
 {
     return "[INVALID_TYPE_CONVERSION] Unable to convert from \"" + type + "\"";
 }
 
-KNMimeContentType parsed(const KNCString& text)
-{
-    KNMimeContentType type;
-    type.fromString(text);
-    return type;
-}
+constexpr auto parsed = &parsedAs<KNMimeContentType>;
 
 TEST(KNMimeContentTypeTest, ReadsWithoutCheckingAndPrintsTokensOnly)
 {

@@ -9,17 +9,7 @@
 
 namespace {
 
-KNCString invalidToken(const KNCString& text)
-{
-    return "[INVALID_TOKEN] The following is not a valid token:  \"" + text + "\"";
-}
-
-KNMimeContentDisposition parsed(const KNCString& text)
-{
-    KNMimeContentDisposition disposition;
-    disposition.fromString(text);
-    return disposition;
-}
+constexpr auto parsed = &parsedAs<KNMimeContentDisposition>;
 
 TEST(KNMimeContentDispositionTest, ReadsLenientlyPrintsStrictlyAndSetFilenameAppends)
 {

@@ -13,12 +13,7 @@ namespace {
 
 using namespace std::string_literals;
 
-KNMimeHeader parsed(const KNCString& line)
-{
-    KNMimeHeader header;
-    header.fromString(line);
-    return header;
-}
+constexpr auto parsed = &parsedAs<KNMimeHeader>;
 
 const KNCString missingSeparator = "[MISSING_HEADER_SEPARATOR] Unable to separate label from value";
 

@@ -4,6 +4,7 @@
 #include <mime/KNMime.h>
 
 #include <gtest/gtest.h>
+#include <tests/TestSupport.h>
 
 #include <iostream>
 #include <string>
@@ -52,12 +53,7 @@ const KNCString forwardedMessage =
     "From: erin@example.net\r\nSubject: minutes\r\n\r\n1. Budget approved.\r\n"
     "--fwd--\r\n";
 
-KNMimePart parsed(const KNCString& text)
-{
-    KNMimePart part;
-    part.fromString(text);
-    return part;
-}
+constexpr auto parsed = &parsedAs<KNMimePart>;
 
 // --- the code of the README tour ------------------------------------------------------
 

@@ -28,12 +28,7 @@ KNMimeMultipart withBody(const KNCString& body)
     return m;
 }
 
-KNMimePart parsed(const KNCString& text)
-{
-    KNMimePart part;
-    part.fromString(text);
-    return part;
-}
+constexpr auto parsed = &parsedAs<KNMimePart>;
 
 // Multiparts nested `levels` deep (the outermost counts), each with its own boundary, with a
 // text part innermost.

@@ -20,12 +20,7 @@ namespace {
 
 const char* const separatorError = "[MISSING_HEADER_BODY_SEPARATOR] Unable to separate message headers from body";
 
-KNMimePart parsed(const KNCString& text)
-{
-    KNMimePart part;
-    part.fromString(text);
-    return part;
-}
+constexpr auto parsed = &parsedAs<KNMimePart>;
 
 } // namespace
 

@@ -16,12 +16,7 @@
 
 namespace {
 
-KNMimeHeader parsed(const KNCString& line)
-{
-    KNMimeHeader header;
-    header.fromString(line);
-    return header;
-}
+constexpr auto parsed = &parsedAs<KNMimeHeader>;
 
 TEST(KNMimeTypedHeaderTest, ConversionSharesTheBodyButNewHandlesAndCopiesDoNot)
 {

@@ -1,0 +1,189 @@
+#include <mail/internal/KNMimeFieldReader.h>
+
+#include <foundation/KNxmsg.h>
+#include <mime/KNMimeContentDispositionHeader.h>
+#include <mime/KNMimeContentTypeHeader.h>
+#include <mime/KNMimeHeaderImp.h>
+#include <mime/KNMimeUnstructuredHeaderImp.h>
+#include <mime/KNMimeUtils.h>
+
+#include <vector>
+
+namespace {
+
+using Kind = KNMimeDefect::Kind;
+
+// A label the printer accepts: not empty, no blank, colon, control character or DEL.
+bool isPrintableLabel(std::string_view label)
+{
+    if (label.empty())
+        return false;
+    for (const char c : label) {
+        const auto u = static_cast<unsigned char>(c);
+        if (u <= ' ' || u == 0x7f || c == ':')
+            return false;
+    }
+    return true;
+}
+
+// Splits `text` at every `delim` outside quoted strings and comments, as the strict parsers
+// split parameter lists; an unterminated quote or comment runs to the end.
+std::vector<std::string_view> splitOutsideQuotes(std::string_view text, char delim)
+{
+    std::vector<std::string_view> pieces;
+    std::size_t start = 0;
+    bool quoted = false;
+    int comment = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if ((quoted || comment > 0) && c == '\\') {
+            ++i;
+        } else if (quoted) {
+            quoted = c != '"';
+        } else if (c == '(') {
+            ++comment;
+        } else if (comment > 0) {
+            comment -= c == ')';
+        } else if (c == '"') {
+            quoted = true;
+        } else if (c == delim) {
+            pieces.push_back(text.substr(start, i - start));
+            start = i + 1;
+        }
+    }
+    pieces.push_back(text.substr(start));
+    return pieces;
+}
+
+bool isAllBlank(std::string_view text)
+{
+    return text.find_first_not_of(" \t") == std::string_view::npos;
+}
+
+KNCString clean(std::string_view text)
+{
+    return KNMimeUtils::cleanToken(KNCString(text), true);
+}
+
+// The header keeping `value` as free text under `label`, whatever the factory would make.
+KNMimeHeader plainTextHeader(const KNCString& label, const KNCString& value)
+{
+    auto* body = new KNMimeUnstructuredHeaderImp;
+    KNMimeHeader header(body);
+    body->setLabel(label);
+    body->setValue(value);
+    return header;
+}
+
+// A header whose body accepts and prints `value`, or nothing.
+std::optional<KNMimeHeader> strictHeader(const KNCString& label, const KNCString& value)
+{
+    try {
+        KNMimeHeader header;
+        header.fromString(label + ": " + value);
+        (void)header.asString();
+        return header;
+    } catch (const KNxmsg&) {
+        return std::nullopt;
+    }
+}
+
+// Content-Type and Content-Disposition values rebuilt from their readable pieces: the type,
+// then every parameter that has a token name and an "=", each dropped one reported.
+std::optional<KNMimeHeader> salvageParameters(const KNCString& label, const KNCString& value, bool isContentType,
+                                              const KNMimeFieldReader::Report& report)
+{
+    const std::vector<std::string_view> pieces = splitOutsideQuotes(value, ';');
+    KNCString type;
+    if (isContentType) {
+        const std::vector<std::string_view> halves = splitOutsideQuotes(pieces[0], '/');
+        if (halves.size() != 2)
+            return std::nullopt;
+        type = clean(halves[0]) + "/" + clean(halves[1]);
+    } else {
+        type = clean(pieces[0]);
+    }
+    KNCString rebuilt = type;
+    std::vector<KNCString> dropped;
+    for (std::size_t i = 1; i < pieces.size(); ++i) {
+        const std::string_view piece = pieces[i];
+        if (i + 1 == pieces.size() && isAllBlank(piece))
+            break; // a trailing ";" adds nothing
+        const std::vector<std::string_view> sides = splitOutsideQuotes(piece, '=');
+        const KNCString name = sides.size() >= 2 ? clean(sides[0]) : KNCString();
+        if (!KNMimeUtils::isToken(name)) {
+            dropped.push_back(KNMimeFieldReader::excerpt(piece));
+            continue;
+        }
+        const std::size_t equals = sides[0].size();
+        rebuilt += "; " + name + "=" + KNMimeUtils::quoteAndEscape(clean(piece.substr(equals + 1)));
+    }
+    std::optional<KNMimeHeader> header = strictHeader(label, rebuilt);
+    if (header)
+        for (const KNCString& piece : dropped)
+            report(Kind::InvalidParameter, "parameter \"" + piece + "\" of " + label + " dropped");
+    return header;
+}
+
+} // namespace
+
+KNCString KNMimeFieldReader::excerpt(std::string_view text)
+{
+    constexpr std::size_t limit = 60;
+    KNCString out;
+    for (const char c : text.substr(0, limit)) {
+        const auto u = static_cast<unsigned char>(c);
+        out += (u < ' ' || u == 0x7f) ? '?' : c;
+    }
+    if (text.size() > limit)
+        out += "...";
+    return out;
+}
+
+std::optional<KNMimeHeader> KNMimeFieldReader::read(std::string_view field, const Report& report)
+{
+    const std::size_t colon = field.find(':');
+    const std::string_view rawLabel = field.substr(0, colon);
+    // The common case reads exactly as the strict parser does, checking only that a typed
+    // value prints (free text always does once the label is printable).
+    if (isPrintableLabel(rawLabel) && rawLabel.find_first_of("\"()\\") == std::string_view::npos) {
+        try {
+            KNMimeHeader header{KNCString(rawLabel)};
+            const KNCString value = KNMimeUtils::unfoldAndTrim(KNCString(field.substr(colon + 1)));
+            if (!value.empty()) // an empty value keeps the body's default, as when parsing strictly
+                header.body()->setValueFromString(value);
+            if (dynamic_cast<const KNMimeUnstructuredHeaderImp*>(header.body()) == nullptr)
+                (void)header.asString();
+            return header;
+        } catch (const KNxmsg&) {
+        }
+    }
+    return repair(field, colon, report);
+}
+
+std::optional<KNMimeHeader> KNMimeFieldReader::repair(std::string_view field, std::size_t colon, const Report& report)
+{
+    const std::string_view rawLabel = field.substr(0, colon);
+    const KNCString label = clean(rawLabel);
+    if (!isPrintableLabel(label) || rawLabel.find_first_of("\"(") != std::string_view::npos) {
+        report(Kind::InvalidHeaderName, "header \"" + excerpt(field) + "\" dropped: its name cannot be printed");
+        return std::nullopt;
+    }
+    if (rawLabel.size() != label.size())
+        report(Kind::BlankBeforeColon, "blank between \"" + label + "\" and its colon removed");
+
+    const KNCString value = KNMimeUtils::unfoldAndTrim(KNCString(field.substr(colon + 1)));
+    if (std::optional<KNMimeHeader> header = strictHeader(label, value))
+        return header;
+
+    const bool isContentType = knEqualsIgnoreCase(label, KNMimeContentTypeHeader::Label);
+    if (isContentType || knEqualsIgnoreCase(label, KNMimeContentDispositionHeader::Label)) {
+        if (std::optional<KNMimeHeader> header = salvageParameters(label, value, isContentType, report))
+            return header;
+    }
+    if (isContentType)
+        report(Kind::InvalidContentType, "Content-Type \"" + excerpt(value) + "\" unreadable: kept as text, read as text/plain");
+    else
+        report(Kind::InvalidHeaderValue, label + " value \"" + excerpt(value) + "\" kept as plain text");
+    return plainTextHeader(label, value);
+}

@@ -1,0 +1,509 @@
+#include <mail/internal/KNMimeStructureReader.h>
+
+#include <foundation/KNxmsg.h>
+#include <mail/internal/KNMimeFieldReader.h>
+#include <mail/internal/KNMimeStoredText.h>
+#include <mail/KNMimeReader.h>
+#include <mime/KNMimeContentType.h>
+#include <mime/KNMimeContentTypeHeader.h>
+#include <mime/KNMimeContentTypeHeaderImp.h>
+#include <mime/KNMimeHeaderImp.h>
+#include <mime/KNMimeMultipart.h>
+#include <mime/KNMimeStringPartImp.h>
+#include <mime/KNMimeUnstructuredHeaderImp.h>
+#include <mime/KNMimeUtils.h>
+
+#include <cctype>
+#include <cstring>
+#include <string>
+#include <utility>
+
+using Kind = KNMimeDefect::Kind;
+
+namespace {
+
+constexpr std::string_view crlf = "\r\n";
+constexpr std::size_t npos = std::string_view::npos;
+
+bool isBlank(char c)
+{
+    return c == ' ' || c == '\t';
+}
+
+bool isBlankText(std::string_view text)
+{
+    return text.find_first_not_of(" \t\r\n") == npos;
+}
+
+// A line that reads as a header field: a run of printable characters other than the colon,
+// then a colon.
+bool looksLikeField(std::string_view line)
+{
+    std::size_t i = 0;
+    while (i < line.size() && line[i] > ' ' && line[i] < 0x7f && line[i] != ':')
+        ++i;
+    return i > 0 && i < line.size() && line[i] == ':';
+}
+
+// What the structure needs to know of an entity's first Content-Type.
+struct MediaType {
+    KNCString type;
+    KNCString subtype;
+    KNCString boundary;
+    bool extendedBoundary = false;
+};
+
+// The boundary written only in the extended form: boundary*=charset'lang'value or the
+// numbered pieces boundary*0, boundary*1*, ..., joined in order; %XX escapes decoded in the
+// pieces marked with a final "*".
+KNCString extendedBoundary(const KNMimeContentType& type)
+{
+    const auto percentDecoded = [](const KNCString& value) {
+        KNCString out;
+        for (std::size_t i = 0; i < value.size(); ++i) {
+            if (value[i] == '%' && i + 2 < value.size() && std::isxdigit(static_cast<unsigned char>(value[i + 1])) &&
+                std::isxdigit(static_cast<unsigned char>(value[i + 2]))) {
+                out += static_cast<char>(std::stoi(value.substr(i + 1, 2), nullptr, 16));
+                i += 2;
+            } else {
+                out += value[i];
+            }
+        }
+        return out;
+    };
+    const auto withoutCharset = [](const KNCString& value) {
+        const std::size_t first = value.find('\'');
+        const std::size_t second = first == KNCString::npos ? KNCString::npos : value.find('\'', first + 1);
+        return second == KNCString::npos ? value : value.substr(second + 1);
+    };
+    const std::size_t whole = type.findParameter("boundary*", 0);
+    if (whole != KNCString::npos)
+        return percentDecoded(withoutCharset(type.getParameter(whole).getValue()));
+    KNCString joined;
+    for (unsigned n = 0; n < 64; ++n) {
+        const KNCString name = "boundary*" + std::to_string(n);
+        const std::size_t plain = type.findParameter(name, 0);
+        const std::size_t encoded = type.findParameter(name + "*", 0);
+        if (plain != KNCString::npos)
+            joined += type.getParameter(plain).getValue();
+        else if (encoded != KNCString::npos)
+            joined += percentDecoded(n == 0 ? withoutCharset(type.getParameter(encoded).getValue())
+                                            : type.getParameter(encoded).getValue());
+        else
+            break;
+    }
+    return joined;
+}
+
+// The media type of the first Content-Type header; `fallback` when there is none or it was
+// kept as text because it could not be read.
+MediaType mediaTypeOf(const std::vector<KNMimeHeader>& headers, const char* fallbackType, const char* fallbackSubtype)
+{
+    MediaType media{fallbackType, fallbackSubtype, KNCString(), false};
+    for (const KNMimeHeader& header : headers) {
+        if (!knEqualsIgnoreCase(header.getLabel(), KNMimeContentTypeHeader::Label))
+            continue;
+        if (dynamic_cast<const KNMimeContentTypeHeaderImp*>(header.body()) == nullptr)
+            return {"text", "plain", KNCString(), false};
+        KNMimeContentType type = KNMimeContentTypeHeader(header).getContentType();
+        media.type = knToLower(type.getMediaType());
+        media.subtype = knToLower(type.getSubType());
+        if (media.type == "multipart") {
+            media.boundary = type.getParameterValue("boundary", 0);
+            if (media.boundary.empty()) {
+                media.boundary = extendedBoundary(type);
+                if (!media.boundary.empty()) {
+                    type.setParameterValue("boundary", media.boundary, 0); // the printed form needs it
+                    media.extendedBoundary = true;
+                }
+            }
+        }
+        return media;
+    }
+    return media;
+}
+
+KNMimePart leafPart(const std::vector<KNMimeHeader>& headers, std::string_view body)
+{
+    KNMimePart part(new KNMimeStringPartImp(KNCString(body)));
+    for (const KNMimeHeader& header : headers)
+        part.insertHeader(header);
+    return part;
+}
+
+// The transfer encoding named by the first Content-Transfer-Encoding, lower case.
+KNCString transferEncodingOf(const KNMimePart& part)
+{
+    const std::size_t i = part.findHeader("Content-Transfer-Encoding", 0);
+    if (i == KNCString::npos)
+        return KNCString();
+    const KNMimeHeader header = part.getHeader(i);
+    try {
+        return knToLower(KNMimeUtils::cleanToken(header.body()->getValueAsString(), true));
+    } catch (const KNxmsg&) {
+        return KNCString();
+    }
+}
+
+} // namespace
+
+struct KNMimeStructureReader::Frame {
+    KNCString boundary;
+    KNCString path;
+    std::vector<KNMimeHeader> headers;
+    KNMimePart part;           // the multipart, made at the first delimiter line
+    std::size_t entity = 0;    // index in the output's entities
+    std::size_t start = 0;     // where the entity's text starts
+    std::size_t bodyStart = 0; // where its preamble starts
+    std::size_t epilogueStart = 0;
+    std::size_t children = 0;
+    enum class State { Preamble, Parts, Epilogue } state = State::Preamble;
+    bool digest = false;
+};
+
+struct KNMimeStructureReader::Leaf {
+    std::vector<KNMimeHeader> headers;
+    KNCString path;
+    std::size_t entity = 0;
+    std::size_t bodyStart = 0;
+    bool attachedMessage = false;
+};
+
+KNMimeStructureReader::KNMimeStructureReader(std::string_view text, OffsetMap toInput, KNCString path, unsigned levels,
+                                             bool openAttachedMessages, Output& output)
+    : text_(text), toInput_(std::move(toInput)), path_(std::move(path)), levels_(levels),
+      openAttachedMessages_(openAttachedMessages), output_(output)
+{
+}
+
+void KNMimeStructureReader::report(Kind kind, const KNCString& path, std::size_t pos, const KNCString& text)
+{
+    output_.defects.push_back(KNMimeDefect{kind, path, toInput_(pos), text});
+}
+
+std::size_t KNMimeStructureReader::lineEnd(std::size_t pos) const
+{
+    const std::size_t end = text_.find(crlf, pos);
+    return end == npos ? text_.size() : end;
+}
+
+std::size_t KNMimeStructureReader::nextLine(std::size_t pos) const
+{
+    const std::size_t end = lineEnd(pos);
+    return end == text_.size() ? end : end + crlf.size();
+}
+
+KNMimePart KNMimeStructureReader::readStored(std::string_view stored, const OffsetMap& toInput, const KNCString& path,
+                                             unsigned levels, bool openAttachedMessages, Output& output)
+{
+    const KNMimeStoredText text(stored);
+    const OffsetMap map = [&](std::size_t pos) { return toInput(text.inputOffset(pos)); };
+    KNMimeStructureReader reader(text.text(), map, path, levels, openAttachedMessages, output);
+    if (text.hadByteOrderMark())
+        reader.report(Kind::ByteOrderMark, path, 0, "byte-order mark before the headers dropped");
+    if (text.firstBareCarriageReturn() != KNMimeStoredText::none)
+        output.defects.push_back(KNMimeDefect{Kind::BareCarriageReturn, path, toInput(text.firstBareCarriageReturn()),
+                                              "carriage return without line feed read as a line end"});
+    if (text.firstMixedLineFeed() != KNMimeStoredText::none)
+        output.defects.push_back(KNMimeDefect{Kind::MixedLineEnds, path, toInput(text.firstMixedLineFeed()),
+                                              "CRLF and bare LF line ends mixed; all read as line ends"});
+
+    // A leading mbox "From " line, then blank lines before a header, are storage, not message.
+    std::size_t start = 0;
+    const std::string_view all = text.text();
+    if (all.substr(0, 5) == "From ") {
+        reader.report(Kind::MboxFromLine, path, 0, "mbox \"From \" line dropped");
+        start = reader.nextLine(0);
+    }
+    std::size_t first = start;
+    while (first < all.size() && isBlankText(all.substr(first, reader.lineEnd(first) - first)))
+        first = reader.nextLine(first);
+    if (first != start && first < all.size() && looksLikeField(all.substr(first, reader.lineEnd(first) - first))) {
+        reader.report(Kind::LeadingBlankLines, path, start, "blank lines before the first header dropped");
+        start = first;
+    }
+    return reader.read(start);
+}
+
+KNMimePart KNMimeStructureReader::read(std::size_t start)
+{
+    beginEntity(readHead(start, path_, true), path_, start);
+    std::size_t cursor = frames_.empty() ? text_.size() : frames_.back().bodyStart;
+    while (!frames_.empty()) {
+        Delimiter match;
+        const std::size_t line = findDelimiterLine(cursor, match);
+        if (line == npos)
+            break;
+        // The line end before a delimiter line belongs to the delimiter.
+        const std::size_t regionEnd = line >= cursor + crlf.size() ? line - crlf.size() : cursor;
+        if (!leaf_.empty())
+            finishLeaf(regionEnd);
+        while (frames_.size() > match.frame + 1)
+            finishFrame(regionEnd);
+
+        Frame& frame = frames_.back();
+        const std::size_t after = nextLine(line);
+        if (frame.state == Frame::State::Preamble) {
+            KNMimeMultipart multipart;
+            for (const KNMimeHeader& header : frame.headers)
+                multipart.insertHeader(header);
+            if (regionEnd > frame.bodyStart)
+                multipart.setPreamble(KNCString(text_.substr(frame.bodyStart, regionEnd - frame.bodyStart)));
+            frame.part = multipart;
+            frame.state = Frame::State::Parts;
+        }
+        cursor = after;
+        if (match.close) {
+            frame.state = Frame::State::Epilogue;
+            frame.epilogueStart = after;
+            continue;
+        }
+        const KNCString path = childPath();
+        Head head = readHead(after, path, false);
+        if (head.doubledDelimiter) {
+            report(Kind::DoubledDelimiter, frame.path, after, "delimiter line repeated; the empty part between skipped");
+            continue;
+        }
+        cursor = head.bodyStart;
+        beginEntity(std::move(head), path, after);
+    }
+    if (!leaf_.empty())
+        finishLeaf(text_.size());
+    while (!frames_.empty())
+        finishFrame(text_.size());
+    return message_;
+}
+
+KNCString KNMimeStructureReader::childPath() const
+{
+    const Frame& parent = frames_.back();
+    const KNCString number = std::to_string(parent.children + 1);
+    return parent.path.empty() ? number : parent.path + "." + number;
+}
+
+// The header block from `pos`: it ends at an empty line, at a delimiter line of an open
+// multipart (the part then has an empty body), at a line that is no header field (the
+// body starts there), or at the end of the text.
+KNMimeStructureReader::Head KNMimeStructureReader::readHead(std::size_t pos, const KNCString& path, bool atRoot)
+{
+    Head head;
+    std::size_t field = npos; // start of the field being gathered
+    std::size_t fieldEnd = 0;
+    const auto flush = [&] {
+        if (field != npos)
+            addField(field, fieldEnd, path, head.headers);
+        field = npos;
+    };
+    std::size_t p = pos;
+    for (;;) {
+        if (p >= text_.size()) {
+            flush();
+            head.bodyStart = text_.size();
+            return head;
+        }
+        const std::size_t end = lineEnd(p);
+        const std::size_t next = end == text_.size() ? end : end + crlf.size();
+        const std::string_view line = text_.substr(p, end - p);
+        Delimiter match;
+        if (line.empty() || (line[0] == '-' && matchDelimiter(p, end, match))) {
+            flush();
+            head.bodyStart = line.empty() ? next : p;
+            head.doubledDelimiter = !line.empty() && p == pos && !atRoot;
+            return head;
+        }
+        if (isBlank(line[0])) {
+            if (field != npos)
+                fieldEnd = end;
+            else
+                report(Kind::ContinuationWithoutHeader, path, p,
+                       "folded line \"" + KNMimeFieldReader::excerpt(line) + "\" continues no header; dropped");
+            p = next;
+            continue;
+        }
+        flush();
+        if (line.substr(0, 5) == "From ") {
+            report(Kind::MisplacedFromLine, path, p, "mbox \"From \" line inside the headers dropped");
+        } else if (line.find(':') == npos) {
+            report(Kind::HeaderWithoutColon, path, p,
+                   "line \"" + KNMimeFieldReader::excerpt(line) + "\" is no header field; the body starts there");
+            head.bodyStart = p;
+            return head;
+        } else {
+            field = p;
+            fieldEnd = end;
+        }
+        p = next;
+    }
+}
+
+void KNMimeStructureReader::addField(std::size_t start, std::size_t end, const KNCString& path,
+                                    std::vector<KNMimeHeader>& headers)
+{
+    const KNMimeFieldReader::Report report = [&](Kind kind, const KNCString& text) { this->report(kind, path, start, text); };
+    if (std::optional<KNMimeHeader> header = KNMimeFieldReader::read(text_.substr(start, end - start), report))
+        headers.push_back(std::move(*header));
+}
+
+// A delimiter line of an open multipart, innermost first: "--", the boundary, "--" for the
+// closing one, then only blanks and tabs (transport padding). A closed multipart whose
+// epilogue is being read matches no more.
+bool KNMimeStructureReader::matchDelimiter(std::size_t pos, std::size_t lineEnd, Delimiter& match) const
+{
+    const std::string_view line = text_.substr(pos, lineEnd - pos);
+    if (line.size() < 2 || line[0] != '-' || line[1] != '-')
+        return false;
+    for (std::size_t i = frames_.size(); i-- > 0;) {
+        const Frame& frame = frames_[i];
+        if (frame.state == Frame::State::Epilogue)
+            continue;
+        const std::string_view boundary = frame.boundary;
+        if (line.size() < 2 + boundary.size() || line.compare(2, boundary.size(), boundary) != 0)
+            continue;
+        std::string_view rest = line.substr(2 + boundary.size());
+        const bool close = rest.substr(0, 2) == "--";
+        if (close)
+            rest.remove_prefix(2);
+        if (rest.find_first_not_of(" \t") != npos)
+            continue;
+        match = Delimiter{i, close};
+        return true;
+    }
+    return false;
+}
+
+// The next delimiter line at or after `from`, which starts a line. Dashes are rare in most
+// bodies (base64 has none), so the scan jumps from one "-" to the next.
+std::size_t KNMimeStructureReader::findDelimiterLine(std::size_t from, Delimiter& match) const
+{
+    const char* const data = text_.data();
+    const std::size_t n = text_.size();
+    std::size_t p = from;
+    while (p < n) {
+        const void* hit = std::memchr(data + p, '-', n - p);
+        if (hit == nullptr)
+            return npos;
+        const std::size_t q = static_cast<const char*>(hit) - data;
+        if (q + 1 < n && data[q + 1] == '-' && (q == from || data[q - 1] == '\n')) {
+            const std::size_t end = lineEnd(q);
+            if (matchDelimiter(q, end, match))
+                return q;
+            p = end;
+        } else {
+            p = q + 1;
+        }
+    }
+    return npos;
+}
+
+void KNMimeStructureReader::beginEntity(Head head, const KNCString& path, std::size_t start)
+{
+    const std::size_t entity = output_.entities.size();
+    output_.entities.push_back(KNMimeReadResult::Entity{path, KNMimePart(), toInput_(start)});
+    const bool inDigest = !frames_.empty() && frames_.back().digest;
+    const MediaType media = mediaTypeOf(head.headers, inDigest ? "message" : "text", inDigest ? "rfc822" : "plain");
+    if (media.type == "multipart") {
+        if (media.extendedBoundary)
+            report(Kind::ExtendedBoundary, path, start, "boundary given only in the extended form; plain form added");
+        if (media.boundary.empty()) {
+            report(Kind::MissingBoundary, path, start, "multipart without a boundary read as one leaf");
+        } else if (levels_ + frames_.size() >= KNMimeReader::MaxNesting) {
+            report(Kind::NestingTooDeep, path, start, "nesting deeper than 128 levels kept as the body of a leaf");
+        } else {
+            Frame frame;
+            frame.boundary = media.boundary;
+            frame.path = path;
+            frame.headers = std::move(head.headers);
+            frame.entity = entity;
+            frame.start = start;
+            frame.bodyStart = head.bodyStart;
+            frame.digest = media.subtype == "digest";
+            frames_.push_back(std::move(frame));
+            return;
+        }
+    }
+    Leaf leaf;
+    leaf.headers = std::move(head.headers);
+    leaf.path = path;
+    leaf.entity = entity;
+    leaf.bodyStart = head.bodyStart;
+    leaf.attachedMessage = media.type == "message" && (media.subtype == "rfc822" || media.subtype == "global");
+    leaf_.push_back(std::move(leaf));
+}
+
+void KNMimeStructureReader::finishLeaf(std::size_t end)
+{
+    Leaf leaf = std::move(leaf_.back());
+    leaf_.pop_back();
+    const std::string_view body = leaf.bodyStart < end ? text_.substr(leaf.bodyStart, end - leaf.bodyStart) : std::string_view();
+    const KNMimePart part = leafPart(leaf.headers, body);
+    deliver(part, leaf.entity);
+    if (leaf.attachedMessage && openAttachedMessages_)
+        openAttachedMessage(part, body, leaf.bodyStart, leaf.path);
+}
+
+void KNMimeStructureReader::finishFrame(std::size_t end)
+{
+    Frame frame = std::move(frames_.back());
+    frames_.pop_back();
+    KNMimePart part = frame.part;
+    switch (frame.state) {
+    case Frame::State::Preamble: {
+        report(Kind::UnusedBoundary, frame.path, frame.start,
+               "boundary \"" + KNMimeFieldReader::excerpt(frame.boundary) + "\" starts no line; read as one leaf");
+        const std::string_view body =
+            frame.bodyStart < end ? text_.substr(frame.bodyStart, end - frame.bodyStart) : std::string_view();
+        part = leafPart(frame.headers, body);
+        break;
+    }
+    case Frame::State::Parts:
+        report(Kind::MissingCloseDelimiter, frame.path, end, "multipart ends without its closing delimiter");
+        break;
+    case Frame::State::Epilogue:
+        if (frame.epilogueStart < end && !isBlankText(text_.substr(frame.epilogueStart, end - frame.epilogueStart)))
+            report(Kind::EpilogueDropped, frame.path, frame.epilogueStart, "text after the closing delimiter dropped");
+        break;
+    }
+    deliver(part, frame.entity);
+}
+
+void KNMimeStructureReader::deliver(const KNMimePart& part, std::size_t entity)
+{
+    output_.entities[entity].part = part;
+    if (frames_.empty()) {
+        message_ = part;
+        return;
+    }
+    Frame& parent = frames_.back();
+    KNMimeMultipart(parent.part).insertPart(part);
+    ++parent.children;
+}
+
+// The message inside a message/rfc822 leaf, read as entity path + ".1"; a base64 or
+// quoted-printable transfer encoding is undone first.
+void KNMimeStructureReader::openAttachedMessage(const KNMimePart& leaf, std::string_view body, std::size_t bodyStart,
+                                                const KNCString& path)
+{
+    const KNCString messagePath = path.empty() ? "1" : path + ".1";
+    const unsigned levels = levels_ + static_cast<unsigned>(frames_.size()) + 1;
+    if (levels > KNMimeReader::MaxNesting) {
+        report(Kind::NestingTooDeep, path, bodyStart, "attached message deeper than 128 levels not opened");
+        return;
+    }
+    const KNCString encoding = transferEncodingOf(leaf);
+    if (encoding == "base64" || encoding == "quoted-printable") {
+        KNCString decoded;
+        try {
+            decoded = KNMimeUtils::decode(KNCString(body), encoding);
+        } catch (const KNxmsg& e) {
+            report(Kind::UndecodableMessage, path, bodyStart, "attached message not opened: " + e.why());
+            return;
+        }
+        const std::size_t offset = toInput_(bodyStart);
+        readStored(decoded, [offset](std::size_t) { return offset; }, messagePath, levels, openAttachedMessages_,
+                   output_);
+        return;
+    }
+    const OffsetMap& outer = toInput_;
+    readStored(body, [&outer, bodyStart](std::size_t pos) { return outer(bodyStart + pos); }, messagePath, levels,
+               openAttachedMessages_, output_);
+}

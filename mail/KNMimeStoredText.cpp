@@ -1,30 +1,35 @@
 #include <mail/internal/KNMimeStoredText.h>
 
 #include <algorithm>
-#include <cstring>
 
 namespace {
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-struct LineEndCount {
-    std::size_t lineFeeds = 0;       // every LF
-    std::size_t pairs = 0;           // LFs preceded by CR
-    std::size_t carriageReturns = 0; // every CR
-};
-
-LineEndCount countLineEnds(std::string_view s)
+// Whether every LF follows a CR and every CR precedes an LF. An OR over the bytes with no
+// branch in the loop, which the compiler turns into vector code: CRLF text is recognised at
+// close to memory speed.
+#if defined(__x86_64__) && defined(__GNUC__) && defined(__ELF__)
+__attribute__((target_clones("avx2", "default")))
+#endif
+bool isAllCrlf(std::string_view s)
 {
-    LineEndCount count;
-    const char* const begin = s.data();
-    const char* const end = begin + s.size();
-    for (const char* p = begin; (p = static_cast<const char*>(std::memchr(p, '\n', end - p))) != nullptr; ++p) {
-        ++count.lineFeeds;
-        count.pairs += p != begin && p[-1] == '\r';
+    const auto* const b = reinterpret_cast<const unsigned char*>(s.data());
+    const std::size_t n = s.size();
+    if (n == 0)
+        return true;
+    if (b[0] == '\n' || b[n - 1] == '\r')
+        return false;
+    constexpr std::size_t block = 1 << 12;
+    for (std::size_t begin = 1; begin + 1 < n; begin += block) {
+        const std::size_t end = std::min(n - 1, begin + block);
+        unsigned char bad = 0;
+        for (std::size_t i = begin; i < end; ++i)
+            bad |= static_cast<unsigned char>(((b[i] == '\n') & (b[i - 1] != '\r')) | ((b[i] == '\r') & (b[i + 1] != '\n')));
+        if (bad != 0)
+            return false;
     }
-    for (const char* p = begin; (p = static_cast<const char*>(std::memchr(p, '\r', end - p))) != nullptr; ++p)
-        ++count.carriageReturns;
-    return count;
+    return n < 2 || b[n - 1] != '\n' || b[n - 2] == '\r';
 }
 
 } // namespace
@@ -36,11 +41,10 @@ KNMimeStoredText::KNMimeStoredText(std::string_view input)
         base_ = byteOrderMark.size();
         input.remove_prefix(base_);
     }
-    const LineEndCount count = countLineEnds(input);
-    if (count.lineFeeds == count.pairs && count.carriageReturns == count.pairs)
+    if (isAllCrlf(input))
         text_ = input;
     else
-        normalise(input, count.carriageReturns > count.pairs);
+        normalise(input, input.find('\r') != std::string_view::npos);
 }
 
 // One pass: copy the runs between line-end bytes, adding the byte a bare CR or LF lacks.

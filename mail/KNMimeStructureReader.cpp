@@ -200,7 +200,7 @@ KNMimePart KNMimeStructureReader::readStored(std::string_view stored, const Offs
     const OffsetMap map = [&](std::size_t pos) { return toInput(text.inputOffset(pos)); };
     KNMimeStructureReader reader(text.text(), map, path, levels, openAttachedMessages, output);
     if (text.hadByteOrderMark())
-        reader.report(Kind::ByteOrderMark, path, 0, "byte-order mark before the headers dropped");
+        output.defects.push_back(KNMimeDefect{Kind::ByteOrderMark, path, toInput(0), "byte-order mark before the headers dropped"});
     if (text.firstBareCarriageReturn() != KNMimeStoredText::none)
         output.defects.push_back(KNMimeDefect{Kind::BareCarriageReturn, path, toInput(text.firstBareCarriageReturn()),
                                               "carriage return without line feed read as a line end"});
@@ -339,7 +339,7 @@ KNMimeStructureReader::Head KNMimeStructureReader::readHead(std::size_t pos, con
 void KNMimeStructureReader::addField(std::size_t start, std::size_t end, const KNCString& path,
                                     std::vector<KNMimeHeader>& headers)
 {
-    const KNMimeFieldReader::Report report = [&](Kind kind, const KNCString& text) { this->report(kind, path, start, text); };
+    const auto report = [&](Kind kind, const KNCString& text) { this->report(kind, path, start, text); };
     if (std::optional<KNMimeHeader> header = KNMimeFieldReader::read(text_.substr(start, end - start), report))
         headers.push_back(std::move(*header));
 }

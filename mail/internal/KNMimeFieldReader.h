@@ -8,14 +8,28 @@
 #include <mail/KNMimeDefect.h>
 #include <mime/KNMimeHeader.h>
 
-#include <functional>
 #include <optional>
 #include <string_view>
 
 class KNMimeFieldReader {
 public:
-    // Receives each repair: its kind and a one-line description.
-    using Report = std::function<void(KNMimeDefect::Kind, const KNCString&)>;
+    // Receives each repair: its kind and a one-line description. A reference to the
+    // caller's callable, so reading a field allocates nothing for it.
+    class Report {
+    public:
+        template <class F>
+        Report(const F& f) // NOLINT(google-explicit-constructor): a view of any callable
+            : context_(&f), call_([](const void* c, KNMimeDefect::Kind kind, const KNCString& text) {
+                  (*static_cast<const F*>(c))(kind, text);
+              })
+        {
+        }
+        void operator()(KNMimeDefect::Kind kind, const KNCString& text) const { call_(context_, kind, text); }
+
+    private:
+        const void* context_;
+        void (*call_)(const void*, KNMimeDefect::Kind, const KNCString&);
+    };
 
     // `field` is one logical header line (folds included, no final line end) that holds a
     // colon. Gives the header as the strict parser would read it when that header prints;

@@ -18,7 +18,8 @@ bool isAllCrlf(std::string_view s)
     const std::size_t n = s.size();
     if (n == 0)
         return true;
-    if (b[0] == '\n' || b[n - 1] == '\r')
+    // The first and the last byte lack a neighbour on one side; the loop takes the rest.
+    if (b[0] == '\n' || b[n - 1] == '\r' || (b[0] == '\r' && (n == 1 || b[1] != '\n')))
         return false;
     constexpr std::size_t block = 1 << 12;
     for (std::size_t begin = 1; begin + 1 < n; begin += block) {

@@ -13,6 +13,7 @@
 #include <mime/KNMimeUnstructuredHeaderImp.h>
 #include <mime/KNMimeUtils.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cstring>
 #include <string>
@@ -112,6 +113,11 @@ MediaType mediaTypeOf(const std::vector<KNMimeHeader>& headers, const char* fall
             media.boundary = type.getParameterValue("boundary", 0);
             if (media.boundary.empty()) {
                 media.boundary = extendedBoundary(type);
+                // Decoding can give any byte; a boundary must print on a line of its own.
+                const bool printable = std::all_of(media.boundary.begin(), media.boundary.end(),
+                                                   [](char c) { return c >= ' ' && c < 0x7f; });
+                if (!printable)
+                    media.boundary.clear();
                 if (!media.boundary.empty()) {
                     type.setParameterValue("boundary", media.boundary, 0); // the printed form needs it
                     media.extendedBoundary = true;
@@ -215,10 +221,13 @@ KNMimePart KNMimeStructureReader::readStored(std::string_view stored, const Offs
         reader.report(Kind::MboxFromLine, path, 0, "mbox \"From \" line dropped");
         start = reader.nextLine(0);
     }
+    // Only a first line of blanks counts: an empty first line means "no headers", which is
+    // also how a message without headers prints.
     std::size_t first = start;
     while (first < all.size() && isBlankText(all.substr(first, reader.lineEnd(first) - first)))
         first = reader.nextLine(first);
-    if (first != start && first < all.size() && looksLikeField(all.substr(first, reader.lineEnd(first) - first))) {
+    if (first != start && reader.lineEnd(start) != start && first < all.size() &&
+        looksLikeField(all.substr(first, reader.lineEnd(first) - first))) {
         reader.report(Kind::LeadingBlankLines, path, start, "blank lines before the first header dropped");
         start = first;
     }

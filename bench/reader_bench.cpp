@@ -126,8 +126,8 @@ BENCHMARK_CAPTURE(BM_StrictParse, nested_64, Input::Nested)->Unit(benchmark::kMi
 BENCHMARK_CAPTURE(BM_Read, nested_64, Input::Nested)->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(BM_StrictParse, many_headers, Input::ManyHeaders)->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(BM_Read, many_headers, Input::ManyHeaders)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(BM_ReadShape, headers, "headers")->RangeMultiplier(8)->Range(1000, 64000)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(BM_ReadShape, parts, "parts")->RangeMultiplier(8)->Range(1000, 64000)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(BM_ReadShape, messages, "messages")->RangeMultiplier(8)->Range(1000, 64000)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(BM_ReadShape, delimiters, "delimiters")->RangeMultiplier(8)->Range(1000, 64000)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_SplitMbox)->RangeMultiplier(8)->Range(1000, 64000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ReadShape, headers, "headers")->Arg(1000)->Arg(8000)->Arg(64000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ReadShape, parts, "parts")->Arg(1000)->Arg(8000)->Arg(64000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ReadShape, messages, "messages")->Arg(1000)->Arg(8000)->Arg(64000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ReadShape, delimiters, "delimiters")->Arg(1000)->Arg(8000)->Arg(64000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SplitMbox)->Arg(1000)->Arg(8000)->Arg(64000)->Unit(benchmark::kMillisecond);

@@ -374,9 +374,23 @@ bool KNMimeStructureReader::matchDelimiter(std::size_t pos, std::size_t lineEnd,
             rest.remove_prefix(2);
         if (rest.find_first_not_of(" \t") != npos)
             continue;
+        if (close && frame.state == Frame::State::Preamble && reusesEnclosingBoundary(i))
+            continue; // see reusesEnclosingBoundary
         match = Delimiter{i, close};
         return true;
     }
+    return false;
+}
+
+// A multipart that reuses the boundary of one around it and meets a closing delimiter before
+// any other: that delimiter closes the enclosing one. Read the other way, the empty inner
+// multipart would swallow it, and a multipart kept as a leaf (its boundary unused) would not
+// read back as the leaf it printed as.
+bool KNMimeStructureReader::reusesEnclosingBoundary(std::size_t frame) const
+{
+    for (std::size_t i = 0; i < frame; ++i)
+        if (frames_[i].boundary == frames_[frame].boundary)
+            return true;
     return false;
 }
 

@@ -56,6 +56,7 @@ private:
     void addField(std::size_t start, std::size_t end, const KNCString& path, std::vector<KNMimeHeader>& headers);
     bool matchDelimiter(std::size_t pos, std::size_t lineEnd, Delimiter& match) const;
     std::size_t findDelimiterLine(std::size_t from, Delimiter& match) const;
+    bool reusesEnclosingBoundary(std::size_t frame) const;
     void beginEntity(Head head, const KNCString& path, std::size_t start);
     void finishLeaf(std::size_t end);
     void finishFrame(std::size_t end);

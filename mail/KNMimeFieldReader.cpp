@@ -1,12 +1,20 @@
 #include <mail/internal/KNMimeFieldReader.h>
 
 #include <foundation/KNxmsg.h>
+#include <mime/KNMimeContentDisposition.h>
 #include <mime/KNMimeContentDispositionHeader.h>
+#include <mime/KNMimeContentDispositionHeaderImp.h>
+#include <mime/KNMimeContentTransferEncodingHeaderImp.h>
+#include <mime/KNMimeContentType.h>
 #include <mime/KNMimeContentTypeHeader.h>
+#include <mime/KNMimeContentTypeHeaderImp.h>
 #include <mime/KNMimeHeaderImp.h>
+#include <mime/KNMimeStructuredHeaderImp.h>
 #include <mime/KNMimeUnstructuredHeaderImp.h>
 #include <mime/KNMimeUtils.h>
+#include <mime/KNMimeVersionHeaderImp.h>
 
+#include <typeinfo>
 #include <vector>
 
 namespace {
@@ -24,6 +32,57 @@ bool isPrintableLabel(std::string_view label)
             return false;
     }
     return true;
+}
+
+// A printable label that reads the same once cleaned: no quote, comment or escape in it.
+bool isPlainLabel(std::string_view label)
+{
+    if (label.empty())
+        return false;
+    for (const char c : label) {
+        const auto u = static_cast<unsigned char>(c);
+        if (u <= ' ' || u == 0x7f || c == ':' || c == '"' || c == '(' || c == ')' || c == '\\')
+            return false;
+    }
+    return true;
+}
+
+template <class Type>
+bool hasTokenParameterNames(const Type& type)
+{
+    for (std::size_t i = 0, n = type.getParameterCount(); i < n; ++i)
+        if (!KNMimeUtils::isToken(type.getParameter(i).getName()))
+            return false;
+    return true;
+}
+
+// Whether the header prints: the typed values refuse names that are not tokens. Checked
+// directly for the library's own bodies, by printing for any other.
+bool prints(const KNMimeHeader& header)
+{
+    const KNMimeHeaderImp* body = header.body();
+    const std::type_info& type = typeid(*body);
+    if (type == typeid(KNMimeUnstructuredHeaderImp) || type == typeid(KNMimeStructuredHeaderImp) ||
+        type == typeid(KNMimeVersionHeaderImp))
+        return true;
+    if (type == typeid(KNMimeContentTypeHeaderImp)) {
+        const KNMimeContentType value = static_cast<const KNMimeContentTypeHeaderImp*>(body)->getContentType();
+        return KNMimeUtils::isToken(value.getMediaType()) && KNMimeUtils::isToken(value.getSubType()) &&
+               hasTokenParameterNames(value);
+    }
+    if (type == typeid(KNMimeContentDispositionHeaderImp)) {
+        const KNMimeContentDisposition value =
+            static_cast<const KNMimeContentDispositionHeaderImp*>(body)->getContentDisposition();
+        return KNMimeUtils::isToken(value.getType()) && hasTokenParameterNames(value);
+    }
+    if (type == typeid(KNMimeContentTransferEncodingHeaderImp))
+        return KNMimeUtils::isToken(static_cast<const KNMimeContentTransferEncodingHeaderImp*>(body)->getEncoding());
+    try {
+        (void)header.asString();
+        return true;
+    } catch (const KNxmsg&) {
+        return false;
+    }
 }
 
 // Splits `text` at every `delim` outside quoted strings and comments, as the strict parsers
@@ -81,11 +140,11 @@ std::optional<KNMimeHeader> strictHeader(const KNCString& label, const KNCString
     try {
         KNMimeHeader header;
         header.fromString(label + ": " + value);
-        (void)header.asString();
-        return header;
+        if (prints(header))
+            return header;
     } catch (const KNxmsg&) {
-        return std::nullopt;
     }
+    return std::nullopt;
 }
 
 // Content-Type and Content-Disposition values rebuilt from their readable pieces: the type,
@@ -146,15 +205,14 @@ std::optional<KNMimeHeader> KNMimeFieldReader::read(std::string_view field, cons
     const std::string_view rawLabel = field.substr(0, colon);
     // The common case reads exactly as the strict parser does, checking only that a typed
     // value prints (free text always does once the label is printable).
-    if (isPrintableLabel(rawLabel) && rawLabel.find_first_of("\"()\\") == std::string_view::npos) {
+    if (isPlainLabel(rawLabel)) {
         try {
             KNMimeHeader header{KNCString(rawLabel)};
             const KNCString value = KNMimeUtils::unfoldAndTrim(KNCString(field.substr(colon + 1)));
             if (!value.empty()) // an empty value keeps the body's default, as when parsing strictly
                 header.body()->setValueFromString(value);
-            if (dynamic_cast<const KNMimeUnstructuredHeaderImp*>(header.body()) == nullptr)
-                (void)header.asString();
-            return header;
+            if (prints(header))
+                return header;
         } catch (const KNxmsg&) {
         }
     }

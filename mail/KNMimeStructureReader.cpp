@@ -96,35 +96,32 @@ KNCString extendedBoundary(const KNMimeContentType& type)
     return joined;
 }
 
-// The media type of the first Content-Type header; `fallback` when there is none or it was
-// kept as text because it could not be read.
-MediaType mediaTypeOf(const std::vector<KNMimeHeader>& headers, const char* fallbackType, const char* fallbackSubtype)
+// The media type of the first Content-Type header; `fallback` when there is none, text/plain
+// when it was kept as text because it could not be read.
+MediaType mediaTypeOf(const std::vector<KNMimeHeader>& headers, std::size_t contentType, const char* fallbackType,
+                      const char* fallbackSubtype)
 {
-    MediaType media{fallbackType, fallbackSubtype, KNCString(), false};
-    for (const KNMimeHeader& header : headers) {
-        if (!knEqualsIgnoreCase(header.getLabel(), KNMimeContentTypeHeader::Label))
-            continue;
-        if (dynamic_cast<const KNMimeContentTypeHeaderImp*>(header.body()) == nullptr)
-            return {"text", "plain", KNCString(), false};
-        KNMimeContentType type = KNMimeContentTypeHeader(header).getContentType();
-        media.type = knToLower(type.getMediaType());
-        media.subtype = knToLower(type.getSubType());
-        if (media.type == "multipart") {
-            media.boundary = type.getParameterValue("boundary", 0);
-            if (media.boundary.empty()) {
-                media.boundary = extendedBoundary(type);
-                // Decoding can give any byte; a boundary must print on a line of its own.
-                const bool printable = std::all_of(media.boundary.begin(), media.boundary.end(),
-                                                   [](char c) { return c >= ' ' && c < 0x7f; });
-                if (!printable)
-                    media.boundary.clear();
-                if (!media.boundary.empty()) {
-                    type.setParameterValue("boundary", media.boundary, 0); // the printed form needs it
-                    media.extendedBoundary = true;
-                }
-            }
-        }
+    if (contentType == npos)
+        return {fallbackType, fallbackSubtype, KNCString(), false};
+    const auto* typed = dynamic_cast<const KNMimeContentTypeHeaderImp*>(headers[contentType].body());
+    if (typed == nullptr)
+        return {"text", "plain", KNCString(), false};
+    KNMimeContentType type = typed->getContentType();
+    MediaType media{knToLower(type.getMediaType()), knToLower(type.getSubType()), KNCString(), false};
+    if (media.type != "multipart")
         return media;
+    media.boundary = type.getParameterValue("boundary", 0);
+    if (media.boundary.empty()) {
+        media.boundary = extendedBoundary(type);
+        // Decoding can give any byte; a boundary must print on a line of its own.
+        const bool printable =
+            std::all_of(media.boundary.begin(), media.boundary.end(), [](char c) { return c >= ' ' && c < 0x7f; });
+        if (!printable)
+            media.boundary.clear();
+        if (!media.boundary.empty()) {
+            type.setParameterValue("boundary", media.boundary, 0); // the printed form needs it
+            media.extendedBoundary = true;
+        }
     }
     return media;
 }
@@ -296,11 +293,12 @@ KNCString KNMimeStructureReader::childPath() const
 KNMimeStructureReader::Head KNMimeStructureReader::readHead(std::size_t pos, const KNCString& path, bool atRoot)
 {
     Head head;
+    head.headers.reserve(8);
     std::size_t field = npos; // start of the field being gathered
     std::size_t fieldEnd = 0;
     const auto flush = [&] {
         if (field != npos)
-            addField(field, fieldEnd, path, head.headers);
+            addField(field, fieldEnd, path, head);
         field = npos;
     };
     std::size_t p = pos;
@@ -345,12 +343,25 @@ KNMimeStructureReader::Head KNMimeStructureReader::readHead(std::size_t pos, con
     }
 }
 
-void KNMimeStructureReader::addField(std::size_t start, std::size_t end, const KNCString& path,
-                                    std::vector<KNMimeHeader>& headers)
+void KNMimeStructureReader::addField(std::size_t start, std::size_t end, const KNCString& path, Head& head)
 {
+    const std::string_view field = text_.substr(start, end - start);
     const auto report = [&](Kind kind, const KNCString& text) { this->report(kind, path, start, text); };
-    if (std::optional<KNMimeHeader> header = KNMimeFieldReader::read(text_.substr(start, end - start), report))
-        headers.push_back(std::move(*header));
+    std::optional<KNMimeHeader> header = KNMimeFieldReader::read(field, report);
+    if (!header)
+        return;
+    if (head.contentType == npos) {
+        // Compared on the text, which spares a copy of every label; names holding quotes or
+        // comments, cleaned by the header, are asked for theirs.
+        std::string_view label = field.substr(0, field.find(':'));
+        while (!label.empty() && isBlank(label.back()))
+            label.remove_suffix(1);
+        const bool plain = label.find_first_of("\"(") == npos;
+        if (plain ? knEqualsIgnoreCase(label, KNMimeContentTypeHeader::Label)
+                  : knEqualsIgnoreCase(header->getLabel(), KNMimeContentTypeHeader::Label))
+            head.contentType = head.headers.size();
+    }
+    head.headers.push_back(std::move(*header));
 }
 
 // A delimiter line of an open multipart, innermost first: "--", the boundary, "--" for the
@@ -423,7 +434,8 @@ void KNMimeStructureReader::beginEntity(Head head, const KNCString& path, std::s
     const std::size_t entity = output_.entities.size();
     output_.entities.push_back(KNMimeReadResult::Entity{path, KNMimePart(), toInput_(start)});
     const bool inDigest = !frames_.empty() && frames_.back().digest;
-    const MediaType media = mediaTypeOf(head.headers, inDigest ? "message" : "text", inDigest ? "rfc822" : "plain");
+    const MediaType media =
+        mediaTypeOf(head.headers, head.contentType, inDigest ? "message" : "text", inDigest ? "rfc822" : "plain");
     if (media.type == "multipart") {
         if (media.extendedBoundary)
             report(Kind::ExtendedBoundary, path, start, "boundary given only in the extended form; plain form added");

@@ -44,6 +44,7 @@ private:
     struct Leaf;
     struct Head {
         std::vector<KNMimeHeader> headers;
+        std::size_t contentType = static_cast<std::size_t>(-1); // index of the first Content-Type
         std::size_t bodyStart = 0;
         bool doubledDelimiter = false;
     };
@@ -53,7 +54,7 @@ private:
     };
 
     Head readHead(std::size_t pos, const KNCString& path, bool atRoot);
-    void addField(std::size_t start, std::size_t end, const KNCString& path, std::vector<KNMimeHeader>& headers);
+    void addField(std::size_t start, std::size_t end, const KNCString& path, Head& head);
     bool matchDelimiter(std::size_t pos, std::size_t lineEnd, Delimiter& match) const;
     std::size_t findDelimiterLine(std::size_t from, Delimiter& match) const;
     bool reusesEnclosingBoundary(std::size_t frame) const;

@@ -1,7 +1,8 @@
 #ifndef KN_FOUNDATION_KNBOUNDSERR_H
 #define KN_FOUNDATION_KNBOUNDSERR_H
 
-// Thrown when an index into an ordered list is not below its length.
+/// @class KNBoundsErr
+/// Thrown when an index into an ordered list is not below its length.
 
 #include <foundation/KNxmsg.h>
 
@@ -9,7 +10,7 @@
 
 class KNMIME_EXPORT KNBoundsErr : public KNxmsg {
 public:
-    // The text reads "index <index> out of range [0, <length>)".
+    /// The text reads "index <index> out of range [0, <length>)".
     KNBoundsErr(std::size_t index, std::size_t length);
     ~KNBoundsErr() override;
 

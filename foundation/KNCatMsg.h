@@ -1,8 +1,9 @@
 #ifndef KN_FOUNDATION_KNCATMSG_H
 #define KN_FOUNDATION_KNCATMSG_H
 
-// One record of a message catalogue: where it belongs, its number, and its printf-style
-// default text. Records are static constants, never freed.
+/// @class KNCatMsg
+/// One record of a message catalogue: where it belongs, its number, and its printf-style
+/// default text. Records are static constants, never freed.
 
 #include <cstdint>
 

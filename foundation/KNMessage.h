@@ -1,7 +1,8 @@
 #ifndef KN_FOUNDATION_KNMESSAGE_H
 #define KN_FOUNDATION_KNMESSAGE_H
 
-// A catalogue message formatted printf-style with its arguments: the text an exception carries.
+/// @class KNMessage
+/// A catalogue message formatted printf-style with its arguments: the text an exception carries.
 
 #include <foundation/KNCString.h>
 #include <foundation/KNCatMsg.h>
@@ -11,8 +12,8 @@
 
 class KNMIME_EXPORT KNMessage {
 public:
-    // Optional translation hook: given a record's domain and number, returns the format to
-    // use instead of the record's default text, or null to keep the default.
+    /// Optional translation hook: given a record's domain and number, returns the format to
+    /// use instead of the record's default text, or null to keep the default.
     using CatalogueLookup = const char* (*)(const char* domainName, std::int32_t msgNumber);
 
     template <class... Args>
@@ -23,7 +24,7 @@ public:
 
     const KNCString& str() const noexcept { return text_; }
 
-    // Installs (or, with null, removes) the translation hook for messages built afterwards.
+    /// Installs (or, with null, removes) the translation hook for messages built afterwards.
     static void setCatalogueLookup(CatalogueLookup lookup) noexcept;
 
 private:

@@ -1,7 +1,8 @@
 #ifndef KN_FOUNDATION_KNONCE_H
 #define KN_FOUNDATION_KNONCE_H
 
-// A once-only guard: the first caller runs the initialiser, every other caller waits for it.
+/// @class KNOnce
+/// A once-only guard: the first caller runs the initialiser, every other caller waits for it.
 
 #include <mutex>
 #include <utility>

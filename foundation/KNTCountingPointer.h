@@ -1,20 +1,21 @@
 #ifndef KN_FOUNDATION_KNTCOUNTINGPOINTER_H
 #define KN_FOUNDATION_KNTCOUNTINGPOINTER_H
 
-// A shared owning pointer whose count lives beside the object; dereferencing a null one
-// throws KNTHRInvalidPointer instead of crashing.
+/// @class KNTCountingPointer
+/// A shared owning pointer whose count lives beside the object; dereferencing a null one
+/// throws KNTHRInvalidPointer instead of crashing.
 
 #include <foundation/KNTHRInvalidPointer.h>
 
 #include <atomic>
 #include <utility>
 
-// The counter policy: a count changed atomically, safe to share across threads.
+/// The counter policy: a count changed atomically, safe to share across threads.
 class KNAtomicCounter {
 public:
     KNAtomicCounter() noexcept : count_(1) {}
     void increment() noexcept { count_.fetch_add(1, std::memory_order_relaxed); }
-    // True when the count reached zero.
+    /// True when the count reached zero.
     bool decrement() noexcept { return count_.fetch_sub(1, std::memory_order_acq_rel) == 1; }
     long value() const noexcept { return count_.load(std::memory_order_acquire); }
 
@@ -27,7 +28,7 @@ class KNTCountingPointer {
 public:
     KNTCountingPointer() noexcept = default;
 
-    // Takes ownership of `object` (which may be null).
+    /// Takes ownership of `object` (which may be null).
     explicit KNTCountingPointer(T* object) : object_(object), counter_(object ? new Counter : nullptr) {}
 
     KNTCountingPointer(const KNTCountingPointer& other) noexcept
@@ -62,7 +63,7 @@ public:
     T& operator*() const { return *checked(); }
     explicit operator bool() const noexcept { return object_ != nullptr; }
 
-    // Number of pointers sharing the object (0 for a null pointer).
+    /// Number of pointers sharing the object (0 for a null pointer).
     long useCount() const noexcept { return counter_ ? counter_->value() : 0; }
 
 private:

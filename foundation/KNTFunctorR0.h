@@ -1,8 +1,9 @@
 #ifndef KN_FOUNDATION_KNTFUNCTORR0_H
 #define KN_FOUNDATION_KNTFUNCTORR0_H
 
-// A copyable callable with no arguments returning R. Copies share one target, so two
-// registrations made from the same functor are the very same creator object.
+/// @class KNTFunctorR0
+/// A copyable callable with no arguments returning R. Copies share one target, so two
+/// registrations made from the same functor are the very same creator object.
 
 #include <foundation/KNTHRInvalidPointer.h>
 
@@ -28,7 +29,7 @@ public:
         target_ = std::make_shared<const std::function<R()>>(std::forward<F>(callable));
     }
 
-    // Calls the target; an empty functor throws KNTHRInvalidPointer.
+    /// Calls the target; an empty functor throws KNTHRInvalidPointer.
     R operator()() const
     {
         if (!target_)
@@ -38,7 +39,7 @@ public:
 
     explicit operator bool() const noexcept { return static_cast<bool>(target_); }
 
-    // True when both functors were copied from one another (or are both empty).
+    /// True when both functors were copied from one another (or are both empty).
     bool sharesTargetWith(const KNTFunctorR0& other) const noexcept { return target_ == other.target_; }
 
 private:

@@ -1,9 +1,10 @@
 #ifndef KN_FOUNDATION_KNTORDEREDLIST_H
 #define KN_FOUNDATION_KNTORDEREDLIST_H
 
-// An ordered list with the index rules every list of the library follows: reading or
-// removing at an index not below the length throws KNBoundsErr; inserting at the length
-// appends, and past it throws KNBoundsErr naming one below the index passed.
+/// @class KNTOrderedList
+/// An ordered list with the index rules every list of the library follows: reading or
+/// removing at an index not below the length throws KNBoundsErr; inserting at the length
+/// appends, and past it throws KNBoundsErr naming one below the index passed.
 
 #include <foundation/KNBoundsErr.h>
 
@@ -20,7 +21,7 @@ public:
     const_iterator begin() const noexcept { return items_.begin(); }
     const_iterator end() const noexcept { return items_.end(); }
 
-    // Unchecked access, for loops that stay below size().
+    /// Unchecked access, for loops that stay below size().
     const T& operator[](std::size_t i) const noexcept { return items_[i]; }
 
     const T& at(std::size_t i) const
@@ -32,8 +33,8 @@ public:
 
     void append(const T& item) { items_.push_back(item); }
 
-    // The new item gets index i. The error reports i - 1: the last index that would have
-    // been refused as a plain index.
+    /// The new item gets index i. The error reports i - 1: the last index that would have
+    /// been refused as a plain index.
     void insertAt(std::size_t i, const T& item)
     {
         if (i > items_.size())

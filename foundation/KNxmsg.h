@@ -1,7 +1,8 @@
 #ifndef KN_FOUNDATION_KNXMSG_H
 #define KN_FOUNDATION_KNXMSG_H
 
-// Base of every exception the library throws: a standard exception that carries its text.
+/// @class KNxmsg
+/// Base of every exception the library throws: a standard exception that carries its text.
 
 #include <foundation/KNCString.h>
 #include <foundation/KNExport.h>
@@ -21,7 +22,7 @@ public:
     const KNCString& why() const noexcept { return why_; }
     const char* what() const noexcept override;
 
-    // Throws a copy of this exception as its most derived type; subclasses override it.
+    /// Throws a copy of this exception as its most derived type; subclasses override it.
     [[noreturn]] virtual void raise() const;
 
 private:

@@ -1,7 +1,8 @@
 #ifndef KN_MIME_KNMIMECONTENTDESCRIPTIONHEADER_H
 #define KN_MIME_KNMIMECONTENTDESCRIPTIONHEADER_H
 
-// The Content-Description header: free text describing a part, kept exactly as given.
+/// @class KNMimeContentDescriptionHeader
+/// The Content-Description header: free text describing a part, kept exactly as given.
 
 #include <mime/KNMimeTypedHeader.h>
 #include <mime/KNMimeUnstructuredHeaderImp.h>
@@ -12,7 +13,7 @@ public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
     explicit KNMimeContentDescriptionHeader(const KNCString& description);
 
-    static const KNCString Label; // "Content-Description"
+    static const KNCString Label; ///< "Content-Description"
 
     KNCString getDescription() const;
     void setDescription(const KNCString& description);

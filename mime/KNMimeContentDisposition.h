@@ -1,8 +1,9 @@
 #ifndef KN_MIME_KNMIMECONTENTDISPOSITION_H
 #define KN_MIME_KNMIMECONTENTDISPOSITION_H
 
-// The value of a Content-Disposition header: a shared handle over a disposition type
-// (inline, attachment, ...) and its parameters, of which filename has its own accessors.
+/// @class KNMimeContentDisposition
+/// The value of a Content-Disposition header: a shared handle over a disposition type
+/// (inline, attachment, ...) and its parameters, of which filename has its own accessors.
 
 #include <foundation/KNCString.h>
 #include <foundation/KNExport.h>
@@ -14,13 +15,13 @@ class KNMIME_EXPORT KNMimeContentDisposition
     : public KNHandleBase,
       public KNMimeParameterAccess<KNMimeContentDisposition> {
 public:
-    static const KNCString Filename; // "filename"
+    static const KNCString Filename; ///< "filename"
 
-    // Empty type, no parameters.
+    /// Empty type, no parameters.
     KNMimeContentDisposition();
-    // The type, and a filename parameter unless `filename` is empty.
+    /// The type, and a filename parameter unless `filename` is empty.
     KNMimeContentDisposition(const KNCString& type, const KNCString& filename);
-    // Adopts the body; null gives an empty handle.
+    /// Adopts the body; null gives an empty handle.
     explicit KNMimeContentDisposition(KNMimeContentDispositionImp* body);
     KNMimeContentDisposition(const KNMimeContentDisposition& other) = default;
     KNMimeContentDisposition& operator=(const KNMimeContentDisposition& other) = default;
@@ -29,7 +30,7 @@ public:
     virtual ~KNMimeContentDisposition();
 
     KNMimeContentDispositionImp* body() const { return rootBody<KNMimeContentDispositionImp>(); }
-    // An independent deep copy.
+    /// An independent deep copy.
     KNMimeContentDisposition copy() const;
 
     KNCString getType() const;
@@ -37,8 +38,8 @@ public:
     KNCString getFilename() const;
     void setFilename(const KNCString& filename);
 
-    // Parses into the shared body: every handle sharing it sees the new value. On
-    // KNMimeParseError nothing changes.
+    /// Parses into the shared body: every handle sharing it sees the new value. On
+    /// KNMimeParseError nothing changes.
     void fromString(const KNCString& text);
     KNCString asString() const;
 

@@ -1,7 +1,8 @@
 #ifndef KN_MIME_KNMIMECONTENTDISPOSITIONHEADER_H
 #define KN_MIME_KNMIMECONTENTDISPOSITIONHEADER_H
 
-// The Content-Disposition header: its value is a disposition type with parameters.
+/// @class KNMimeContentDispositionHeader
+/// The Content-Disposition header: its value is a disposition type with parameters.
 
 #include <mime/KNMimeContentDisposition.h>
 #include <mime/KNMimeContentDispositionHeaderImp.h>
@@ -13,9 +14,9 @@ public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
     explicit KNMimeContentDispositionHeader(const KNMimeContentDisposition& disposition);
 
-    static const KNCString Label; // "Content-Disposition"
+    static const KNCString Label; ///< "Content-Disposition"
 
-    // The held disposition, shared: changing it changes this header.
+    /// The held disposition, shared: changing it changes this header.
     KNMimeContentDisposition getContentDisposition() const;
     void setContentDisposition(const KNMimeContentDisposition& disposition);
 };

@@ -1,7 +1,8 @@
 #ifndef KN_MIME_KNMIMECONTENTIDHEADER_H
 #define KN_MIME_KNMIMECONTENTIDHEADER_H
 
-// The Content-ID header: the identifier text of a part, angle brackets included as given.
+/// @class KNMimeContentIdHeader
+/// The Content-ID header: the identifier text of a part, angle brackets included as given.
 
 #include <mime/KNMimeStructuredHeaderImp.h>
 #include <mime/KNMimeTypedHeader.h>
@@ -11,7 +12,7 @@ public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
     explicit KNMimeContentIdHeader(const KNCString& id);
 
-    static const KNCString Label; // "Content-ID"
+    static const KNCString Label; ///< "Content-ID"
 
     KNCString getId() const;
     void setId(const KNCString& id);

@@ -1,7 +1,8 @@
 #ifndef KN_MIME_KNMIMECONTENTLOCATIONHEADER_H
 #define KN_MIME_KNMIMECONTENTLOCATIONHEADER_H
 
-// The Content-Location header: the URI a part is known by.
+/// @class KNMimeContentLocationHeader
+/// The Content-Location header: the URI a part is known by.
 
 #include <mime/KNMimeStructuredHeaderImp.h>
 #include <mime/KNMimeTypedHeader.h>
@@ -12,7 +13,7 @@ public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
     explicit KNMimeContentLocationHeader(const KNCString& uri);
 
-    static const KNCString Label; // "Content-Location"
+    static const KNCString Label; ///< "Content-Location"
 
     KNCString getURI() const;
     void setURI(const KNCString& uri);

@@ -1,7 +1,8 @@
 #ifndef KN_MIME_KNMIMECONTENTTRANSFERENCODINGHEADER_H
 #define KN_MIME_KNMIMECONTENTTRANSFERENCODINGHEADER_H
 
-// The Content-Transfer-Encoding header: its value is the name of the body's encoding.
+/// @class KNMimeContentTransferEncodingHeader
+/// The Content-Transfer-Encoding header: its value is the name of the body's encoding.
 
 #include <mime/KNMimeContentTransferEncodingHeaderImp.h>
 #include <mime/KNMimeTypedHeader.h>
@@ -12,10 +13,10 @@ public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
     explicit KNMimeContentTransferEncodingHeader(const KNCString& encoding);
 
-    static const KNCString Label; // "Content-Transfer-Encoding"
+    static const KNCString Label; ///< "Content-Transfer-Encoding"
 
     KNCString getEncoding() const;
-    // Stored as given; checked only when printed.
+    /// Stored as given; checked only when printed.
     void setEncoding(const KNCString& encoding);
 };
 

@@ -1,7 +1,8 @@
 #ifndef KN_MIME_KNMIMECONTENTTRANSFERENCODINGHEADERIMP_H
 #define KN_MIME_KNMIMECONTENTTRANSFERENCODINGHEADERIMP_H
 
-// Header body of a Content-Transfer-Encoding field: the encoding name, case kept.
+/// @class KNMimeContentTransferEncodingHeaderImp
+/// Header body of a Content-Transfer-Encoding field: the encoding name, case kept.
 
 #include <mime/KNMimeHeaderImp.h>
 
@@ -15,11 +16,11 @@ public:
 
     static KNMimeHeader make();
 
-    // Refuses an encoding that is not a token (an empty one included).
+    /// Refuses an encoding that is not a token (an empty one included).
     KNCString getValueAsString() const override;
     void setValueFromString(const KNCString& text) override;
     KNMimeContentTransferEncodingHeaderImp* copy() const override;
-    // Encoding names compare ignoring case.
+    /// Encoding names compare ignoring case.
     bool compareValueTo(const KNMimeHeaderImp& other) const override;
 
     KNCString getEncoding() const { return encoding_; }

@@ -1,7 +1,8 @@
 #ifndef KN_MIME_KNMIMECONTENTTYPEHEADER_H
 #define KN_MIME_KNMIMECONTENTTYPEHEADER_H
 
-// The Content-Type header: its value is a media type with parameters.
+/// @class KNMimeContentTypeHeader
+/// The Content-Type header: its value is a media type with parameters.
 
 #include <mime/KNMimeContentType.h>
 #include <mime/KNMimeContentTypeHeaderImp.h>
@@ -13,9 +14,9 @@ public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
     explicit KNMimeContentTypeHeader(const KNMimeContentType& contentType);
 
-    static const KNCString Label; // "Content-Type"
+    static const KNCString Label; ///< "Content-Type"
 
-    // The held content type, shared: changing its parameters changes this header.
+    /// The held content type, shared: changing its parameters changes this header.
     KNMimeContentType getContentType() const;
     void setContentType(const KNMimeContentType& contentType);
 };

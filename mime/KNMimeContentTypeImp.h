@@ -1,7 +1,8 @@
 #ifndef KN_MIME_KNMIMECONTENTTYPEIMP_H
 #define KN_MIME_KNMIMECONTENTTYPEIMP_H
 
-// The shared body of a content type: media type, subtype and parameter list.
+/// @class KNMimeContentTypeImp
+/// The shared body of a content type: media type, subtype and parameter list.
 
 #include <foundation/KNBodyBase.h>
 #include <foundation/KNCString.h>
@@ -15,10 +16,10 @@ public:
     KNMimeContentTypeImp(KNCString mediaType, KNCString subType, KNMimeParameterList parameters);
     ~KNMimeContentTypeImp() override;
 
-    // type/subtype followed by the parameters; KNMimeError (INVALID_TOKEN) when the media
-    // type, the subtype or a parameter name is not a token.
+    /// type/subtype followed by the parameters; KNMimeError (INVALID_TOKEN) when the media
+    /// type, the subtype or a parameter name is not a token.
     virtual KNCString asString() const;
-    // A new, unreferenced body holding a member-wise copy.
+    /// A new, unreferenced body holding a member-wise copy.
     virtual KNMimeContentTypeImp* copy() const;
 
     const KNCString& getMediaType() const { return mediaType_; }
@@ -35,7 +36,7 @@ private:
     KNMimeParameterList parameters_;
 };
 
-// Media types and subtypes compare ignoring case, parameter lists as lists do.
+/// Media types and subtypes compare ignoring case, parameter lists as lists do.
 KNMIME_EXPORT bool operator==(const KNMimeContentTypeImp& a, const KNMimeContentTypeImp& b);
 KNMIME_EXPORT bool operator!=(const KNMimeContentTypeImp& a, const KNMimeContentTypeImp& b);
 

@@ -1,8 +1,9 @@
 #ifndef KN_MIME_KNMIMEERROR_H
 #define KN_MIME_KNMIMEERROR_H
 
-// The library's two exceptions: KNMimeError when a request is not allowed for these
-// objects or arguments, KNMimeParseError (a KNMimeError) when input text cannot be parsed.
+/// @class KNMimeError
+/// The library's two exceptions: KNMimeError when a request is not allowed for these
+/// objects or arguments, KNMimeParseError (a KNMimeError) when input text cannot be parsed.
 
 #include <foundation/KNCString.h>
 #include <foundation/KNExport.h>
@@ -27,7 +28,7 @@ public:
     [[noreturn]] void raise() const override;
 };
 
-// Throw a copy of the error whose type is the overload's, never a more derived one.
+/// Throw a copy of the error whose type is the overload's, never a more derived one.
 [[noreturn]] KNMIME_EXPORT void KNThrow(const KNMimeError& error);
 [[noreturn]] KNMIME_EXPORT void KNThrow(const KNMimeParseError& error);
 

@@ -1,9 +1,10 @@
 #ifndef KN_MIME_KNMIMEMESSAGES_H
 #define KN_MIME_KNMIMEMESSAGES_H
 
-// The message catalogue of the library (domain "mime_"): one accessor per message, each
-// returning the same constant record on every call. Every text starts with its bracketed
-// identifier, so callers can tell errors apart by prefix.
+/// @file
+/// The message catalogue of the library (domain "mime_"): one accessor per message, each
+/// returning the same constant record on every call. Every text starts with its bracketed
+/// identifier, so callers can tell errors apart by prefix.
 
 #include <foundation/KNCatMsg.h>
 #include <foundation/KNExport.h>
@@ -22,10 +23,10 @@ KNMIME_EXPORT const KNCatMsg* knmime_MISSING_BOUNDARY();
 KNMIME_EXPORT const KNCatMsg* knmime_UNKNOWN_ENCODING();
 KNMIME_EXPORT const KNCatMsg* knmime_INVALID_BASE64_CHAR();
 KNMIME_EXPORT const KNCatMsg* knmime_INVALID_VERSION();
-KNMIME_EXPORT const KNCatMsg* knmime_INVALID_LABEL();  // public, though nothing in the library throws it
+KNMIME_EXPORT const KNCatMsg* knmime_INVALID_LABEL();  ///< public, though nothing in the library throws it
 KNMIME_EXPORT const KNCatMsg* knmime_INVALID_TOKEN();
-KNMIME_EXPORT const KNCatMsg* knmime_INVALID_VALUE();  // public, though nothing in the library throws it
+KNMIME_EXPORT const KNCatMsg* knmime_INVALID_VALUE();  ///< public, though nothing in the library throws it
 KNMIME_EXPORT const KNCatMsg* knmime_INVALID_CHARSET();
-KNMIME_EXPORT const KNCatMsg* knmime_NESTING_TOO_DEEP();  // argument: the nesting limit
+KNMIME_EXPORT const KNCatMsg* knmime_NESTING_TOO_DEEP();  ///< argument: the nesting limit
 
 #endif

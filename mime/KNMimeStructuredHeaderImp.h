@@ -1,8 +1,9 @@
 #ifndef KN_MIME_KNMIMESTRUCTUREDHEADERIMP_H
 #define KN_MIME_KNMIMESTRUCTUREDHEADERIMP_H
 
-// Header body for a structured field text with no model of its own (Content-ID,
-// Content-Location): parsing drops comments and extra white space, quoting is kept.
+/// @class KNMimeStructuredHeaderImp
+/// Header body for a structured field text with no model of its own (Content-ID,
+/// Content-Location): parsing drops comments and extra white space, quoting is kept.
 
 #include <mime/KNMimeHeaderImp.h>
 
@@ -14,7 +15,7 @@ public:
     KNMimeStructuredHeaderImp(const KNMimeStructuredHeaderImp& other) = default;
     ~KNMimeStructuredHeaderImp() override;
 
-    // A header handle over a new default body of this class: a factory creator.
+    /// A header handle over a new default body of this class: a factory creator.
     static KNMimeHeader make();
 
     KNCString getValueAsString() const override;

@@ -1,8 +1,9 @@
 #ifndef KN_MIME_KNMIMEUNSTRUCTUREDHEADERIMP_H
 #define KN_MIME_KNMIMEUNSTRUCTUREDHEADERIMP_H
 
-// Header body for free text (Content-Description and every label the factory does not
-// know): the value is kept exactly as given.
+/// @class KNMimeUnstructuredHeaderImp
+/// Header body for free text (Content-Description and every label the factory does not
+/// know): the value is kept exactly as given.
 
 #include <mime/KNMimeHeaderImp.h>
 
@@ -14,7 +15,7 @@ public:
     KNMimeUnstructuredHeaderImp(const KNMimeUnstructuredHeaderImp& other) = default;
     ~KNMimeUnstructuredHeaderImp() override;
 
-    // A header handle over a new default body of this class: a factory creator.
+    /// A header handle over a new default body of this class: a factory creator.
     static KNMimeHeader make();
 
     KNCString getValueAsString() const override;

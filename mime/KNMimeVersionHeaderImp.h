@@ -1,7 +1,8 @@
 #ifndef KN_MIME_KNMIMEVERSIONHEADERIMP_H
 #define KN_MIME_KNMIMEVERSIONHEADERIMP_H
 
-// Header body of a MIME-Version field: a major and a minor number, 1.0 when new.
+/// @class KNMimeVersionHeaderImp
+/// Header body of a MIME-Version field: a major and a minor number, 1.0 when new.
 
 #include <mime/KNMimeHeaderImp.h>
 
@@ -16,7 +17,7 @@ public:
     static KNMimeHeader make();
 
     KNCString getValueAsString() const override;
-    // Reads "major.minor" (comments allowed); a number read before a failure stays set.
+    /// Reads "major.minor" (comments allowed); a number read before a failure stays set.
     void setValueFromString(const KNCString& text) override;
     KNMimeVersionHeaderImp* copy() const override;
     bool compareValueTo(const KNMimeHeaderImp& other) const override;

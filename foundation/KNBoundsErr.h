@@ -14,7 +14,9 @@ public:
     KNBoundsErr(std::size_t index, std::size_t length);
     ~KNBoundsErr() override;
 
+    /// The index that was refused.
     std::size_t index() const noexcept { return index_; }
+    /// The length of the list at the time.
     std::size_t length() const noexcept { return length_; }
 
     [[noreturn]] void raise() const override;

@@ -12,9 +12,12 @@
 #include <string_view>
 #include <vector>
 
+/// The byte string of the library: `std::string`, its bytes in whatever charset they came in.
 using KNCString = std::string;
+/// A list of byte strings.
 using KNCStringList = std::vector<KNCString>;
 
+/// The byte lower-cased if it is A-Z, unchanged otherwise.
 inline constexpr char knToLowerAscii(char c) noexcept
 {
     return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;

@@ -8,8 +8,11 @@
 #include <cstdint>
 
 struct KNCatMsg {
+    /// The catalogue the message belongs to ("mime_" for the library's own).
     const char* domainName;
+    /// The number of the message inside its catalogue.
     std::int32_t msgNumber;
+    /// The printf-style text used when no translation is installed.
     const char* defaultText;
 };
 

@@ -15,6 +15,7 @@ class KNMIME_EXPORT KNHandleBase {
 public:
     /// True when both handles refer to the very same body (identity, not value).
     bool sharesBodyWith(const KNHandleBase& other) const noexcept { return body_ == other.body_; }
+    /// True when the handle refers to no body; any use of its body then throws KNTHRInvalidPointer.
     bool isEmpty() const noexcept { return body_ == nullptr; }
 
 protected:
@@ -23,9 +24,11 @@ protected:
     /// Copies share the body. Protected, so that a handle is only ever assigned a handle of
     /// its own class, never another class's body through a base reference.
     KNHandleBase(const KNHandleBase& other) noexcept;
+    /// Shares the body of `other` and lets go of the current one.
     KNHandleBase& operator=(const KNHandleBase& other) noexcept;
     /// A moved-from handle is empty; moving spares the reference count two atomic updates.
     KNHandleBase(KNHandleBase&& other) noexcept : body_(other.body_) { other.body_ = nullptr; }
+    /// Takes the body of `other`, which becomes empty, and lets go of the current one.
     KNHandleBase& operator=(KNHandleBase&& other) noexcept;
     ~KNHandleBase();
 
@@ -55,6 +58,7 @@ protected:
     /// Refers to another body from now on, releasing the current one.
     void rebind(KNBodyBase* body) noexcept;
 
+    /// Throws KNTHRInvalidPointer ("Invalid pointer").
     [[noreturn]] static void throwInvalidPointer();
 
 private:

@@ -16,12 +16,15 @@ public:
     /// use instead of the record's default text, or null to keep the default.
     using CatalogueLookup = const char* (*)(const char* domainName, std::int32_t msgNumber);
 
+    /// Formats the record's default text with `args`, printf-style; a KNCString argument is
+    /// passed as its character data.
     template <class... Args>
     explicit KNMessage(const KNCatMsg* msg, const Args&... args)
         : text_(format(formatFor(msg), vararg(args)...))
     {
     }
 
+    /// The formatted text.
     const KNCString& str() const noexcept { return text_; }
 
     /// Installs (or, with null, removes) the translation hook for messages built afterwards.

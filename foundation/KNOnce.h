@@ -9,6 +9,7 @@
 
 class KNOnce {
 public:
+    /// Runs `initialiser` if no call ran one yet, and returns once it has run (on any thread).
     template <class F>
     void run(F&& initialiser)
     {

@@ -16,12 +16,14 @@
 
 class KNMIME_EXPORT KNSubstringFinder {
 public:
+    /// Prepares the search for `needle`, in time linear in its length.
     explicit KNSubstringFinder(std::string_view needle);
 
     /// Offset of the first occurrence at or after `from`, or std::string_view::npos.
     /// An empty needle is found at `from` when `from` is not past the end.
     std::size_t find(std::string_view text, std::size_t from = 0) const noexcept;
 
+    /// The text searched for.
     const std::string& needle() const noexcept { return needle_; }
 
 private:

@@ -14,9 +14,11 @@
 class KNAtomicCounter {
 public:
     KNAtomicCounter() noexcept : count_(1) {}
+    /// Adds one to the count.
     void increment() noexcept { count_.fetch_add(1, std::memory_order_relaxed); }
     /// True when the count reached zero.
     bool decrement() noexcept { return count_.fetch_sub(1, std::memory_order_acq_rel) == 1; }
+    /// The count now.
     long value() const noexcept { return count_.load(std::memory_order_acquire); }
 
 private:
@@ -31,6 +33,7 @@ public:
     /// Takes ownership of `object` (which may be null).
     explicit KNTCountingPointer(T* object) : object_(object), counter_(object ? new Counter : nullptr) {}
 
+    /// Shares the object, adding one to its count.
     KNTCountingPointer(const KNTCountingPointer& other) noexcept
         : object_(other.object_), counter_(other.counter_)
     {
@@ -38,11 +41,13 @@ public:
             counter_->increment();
     }
 
+    /// Takes the object of `other`, which becomes null.
     KNTCountingPointer(KNTCountingPointer&& other) noexcept
         : object_(std::exchange(other.object_, nullptr)), counter_(std::exchange(other.counter_, nullptr))
     {
     }
 
+    /// Shares the object of `other` and lets go of the current one.
     KNTCountingPointer& operator=(KNTCountingPointer other) noexcept
     {
         std::swap(object_, other.object_);
@@ -58,9 +63,13 @@ public:
         }
     }
 
+    /// The object, or null.
     T* get() const noexcept { return object_; }
+    /// The object; KNTHRInvalidPointer for a null pointer.
     T* operator->() const { return checked(); }
+    /// The object; KNTHRInvalidPointer for a null pointer.
     T& operator*() const { return *checked(); }
+    /// True when the pointer holds an object.
     explicit operator bool() const noexcept { return object_ != nullptr; }
 
     /// Number of pointers sharing the object (0 for a null pointer).

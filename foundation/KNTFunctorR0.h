@@ -17,6 +17,7 @@ class KNTFunctorR0 {
 public:
     KNTFunctorR0() noexcept = default;
 
+    /// Holds a copy of `callable` (a function pointer, lambda or function object).
     template <class F,
               class = std::enable_if_t<!std::is_same_v<std::decay_t<F>, KNTFunctorR0> &&
                                        std::is_invocable_r_v<R, F&>>>
@@ -37,6 +38,7 @@ public:
         return (*target_)();
     }
 
+    /// True when a callable is held; calling an empty functor throws.
     explicit operator bool() const noexcept { return static_cast<bool>(target_); }
 
     /// True when both functors were copied from one another (or are both empty).

@@ -11,11 +11,14 @@ class KNMIME_EXPORT KNMimeContentDescriptionHeader
     : public KNMimeTypedHeader<KNMimeContentDescriptionHeader, KNMimeUnstructuredHeaderImp> {
 public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
+    /// A Content-Description header with the text `description`.
     explicit KNMimeContentDescriptionHeader(const KNCString& description);
 
     static const KNCString Label; ///< "Content-Description"
 
+    /// The description as written (encoded words are not decoded).
     KNCString getDescription() const;
+    /// Replaces the description.
     void setDescription(const KNCString& description);
 };
 

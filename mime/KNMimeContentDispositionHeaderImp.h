@@ -16,6 +16,7 @@ public:
     KNMimeContentDispositionHeaderImp(const KNMimeContentDispositionHeaderImp& other);
     ~KNMimeContentDispositionHeaderImp() override;
 
+    /// A new header of this kind; the creator registered with the header factory.
     static KNMimeHeader make();
 
     KNCString getValueAsString() const override;
@@ -25,6 +26,7 @@ public:
 
     /// The held disposition (a handle sharing it, not a copy).
     KNMimeContentDisposition getContentDisposition() const { return disposition_; }
+    /// Holds `disposition` from now on (shared, not copied).
     void setContentDisposition(const KNMimeContentDisposition& disposition) { disposition_ = disposition; }
 
 private:

@@ -21,8 +21,11 @@ public:
     /// A new, unreferenced body holding a member-wise copy.
     KNMimeContentDispositionImp* copy() const;
 
+    /// The disposition type as written.
     KNCString getType() const;
+    /// Replaces the disposition type.
     void setType(const KNCString& type);
+    /// The value of the filename parameter, empty when there is none.
     KNCString getFilename() const;
     /// Replaces the first filename parameter by one appended at the end; empty removes it.
     void setFilename(const KNCString& filename);
@@ -33,7 +36,9 @@ public:
     /// KNMimeError (INVALID_TOKEN) when the type or a parameter name is not a token.
     KNCString asString() const;
 
+    /// The parameters, for changing them in place.
     KNMimeParameterList& parameterList() { return parameters_; }
+    /// The parameters.
     const KNMimeParameterList& parameterList() const { return parameters_; }
 
 private:
@@ -42,7 +47,10 @@ private:
 };
 
 /// Types compare ignoring case, parameter lists as lists do.
+/// @relates KNMimeContentDispositionImp
 KNMIME_EXPORT bool operator==(const KNMimeContentDispositionImp& a, const KNMimeContentDispositionImp& b);
+/// The negation of operator==.
+/// @relates KNMimeContentDispositionImp
 KNMIME_EXPORT bool operator!=(const KNMimeContentDispositionImp& a, const KNMimeContentDispositionImp& b);
 
 #endif

@@ -10,11 +10,14 @@
 class KNMIME_EXPORT KNMimeContentIdHeader : public KNMimeTypedHeader<KNMimeContentIdHeader, KNMimeStructuredHeaderImp> {
 public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
+    /// A Content-ID header with the value `id` (usually `<unique@host>`).
     explicit KNMimeContentIdHeader(const KNCString& id);
 
     static const KNCString Label; ///< "Content-ID"
 
+    /// The id as written.
     KNCString getId() const;
+    /// Replaces the id.
     void setId(const KNCString& id);
 };
 

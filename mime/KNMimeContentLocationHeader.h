@@ -11,11 +11,14 @@ class KNMIME_EXPORT KNMimeContentLocationHeader
     : public KNMimeTypedHeader<KNMimeContentLocationHeader, KNMimeStructuredHeaderImp> {
 public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
+    /// A Content-Location header with the value `uri`.
     explicit KNMimeContentLocationHeader(const KNCString& uri);
 
     static const KNCString Label; ///< "Content-Location"
 
+    /// The URI as written.
     KNCString getURI() const;
+    /// Replaces the URI.
     void setURI(const KNCString& uri);
 };
 

@@ -11,10 +11,12 @@ class KNMIME_EXPORT KNMimeContentTransferEncodingHeader
     : public KNMimeTypedHeader<KNMimeContentTransferEncodingHeader, KNMimeContentTransferEncodingHeaderImp> {
 public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
+    /// A Content-Transfer-Encoding header naming `encoding` (e.g. KNMimeUtils::Base64).
     explicit KNMimeContentTransferEncodingHeader(const KNCString& encoding);
 
     static const KNCString Label; ///< "Content-Transfer-Encoding"
 
+    /// The encoding name as written; compare it ignoring case.
     KNCString getEncoding() const;
     /// Stored as given; checked only when printed.
     void setEncoding(const KNCString& encoding);

@@ -11,9 +11,11 @@ class KNMimeHeader;
 class KNMIME_EXPORT KNMimeContentTransferEncodingHeaderImp : public KNMimeHeaderImp {
 public:
     KNMimeContentTransferEncodingHeaderImp() = default;
+    /// A copy with the same label and encoding name.
     KNMimeContentTransferEncodingHeaderImp(const KNMimeContentTransferEncodingHeaderImp& other) = default;
     ~KNMimeContentTransferEncodingHeaderImp() override;
 
+    /// A new header of this kind; the creator registered with the header factory.
     static KNMimeHeader make();
 
     /// Refuses an encoding that is not a token (an empty one included).
@@ -23,7 +25,9 @@ public:
     /// Encoding names compare ignoring case.
     bool compareValueTo(const KNMimeHeaderImp& other) const override;
 
+    /// The encoding name as written.
     KNCString getEncoding() const { return encoding_; }
+    /// Replaces the encoding name; it is checked to be a token when printed.
     void setEncoding(const KNCString& encoding) { encoding_ = encoding; }
 
 private:

@@ -18,6 +18,7 @@ public:
     KNMimeContentTypeHeaderImp(const KNMimeContentTypeHeaderImp& other);
     ~KNMimeContentTypeHeaderImp() override;
 
+    /// A new header of this kind; the creator registered with the header factory.
     static KNMimeHeader make();
 
     KNCString getValueAsString() const override;
@@ -27,6 +28,7 @@ public:
 
     /// The held content type (a handle sharing it, not a copy).
     KNMimeContentType getContentType() const { return contentType_; }
+    /// Holds `contentType` from now on (shared, not copied).
     void setContentType(const KNMimeContentType& contentType) { contentType_ = contentType; }
 
 private:

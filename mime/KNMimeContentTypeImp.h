@@ -13,6 +13,7 @@ class KNMIME_EXPORT KNMimeContentTypeImp : public KNBodyBase,
                                            public KNMimeParameterAccess<KNMimeContentTypeImp> {
 public:
     KNMimeContentTypeImp();
+    /// The media type `mediaType`/`subType` with `parameters`.
     KNMimeContentTypeImp(KNCString mediaType, KNCString subType, KNMimeParameterList parameters);
     ~KNMimeContentTypeImp() override;
 
@@ -22,12 +23,18 @@ public:
     /// A new, unreferenced body holding a member-wise copy.
     virtual KNMimeContentTypeImp* copy() const;
 
+    /// The media type as written.
     const KNCString& getMediaType() const { return mediaType_; }
+    /// Replaces the media type.
     void setMediaType(const KNCString& mediaType);
+    /// The subtype as written.
     const KNCString& getSubType() const { return subType_; }
+    /// Replaces the subtype.
     void setSubType(const KNCString& subType);
 
+    /// The parameters, for changing them in place.
     KNMimeParameterList& parameterList() { return parameters_; }
+    /// The parameters.
     const KNMimeParameterList& parameterList() const { return parameters_; }
 
 private:
@@ -37,7 +44,10 @@ private:
 };
 
 /// Media types and subtypes compare ignoring case, parameter lists as lists do.
+/// @relates KNMimeContentTypeImp
 KNMIME_EXPORT bool operator==(const KNMimeContentTypeImp& a, const KNMimeContentTypeImp& b);
+/// The negation of operator==.
+/// @relates KNMimeContentTypeImp
 KNMIME_EXPORT bool operator!=(const KNMimeContentTypeImp& a, const KNMimeContentTypeImp& b);
 
 #endif

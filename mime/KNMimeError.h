@@ -12,16 +12,21 @@
 
 class KNMIME_EXPORT KNMimeError : public KNxmsg {
 public:
+    /// The error with the formatted text of a catalogue message.
     explicit KNMimeError(const KNMessage& message);
+    /// The error with the text `text`.
     explicit KNMimeError(const KNCString& text);
     ~KNMimeError() override;
 
     [[noreturn]] void raise() const override;
 };
 
+/// The exception for input text that cannot be parsed; catching KNMimeError catches it too.
 class KNMIME_EXPORT KNMimeParseError : public KNMimeError {
 public:
+    /// The error with the formatted text of a catalogue message.
     explicit KNMimeParseError(const KNMessage& message);
+    /// The error with the text `text`.
     explicit KNMimeParseError(const KNCString& text);
     ~KNMimeParseError() override;
 
@@ -29,7 +34,10 @@ public:
 };
 
 /// Throw a copy of the error whose type is the overload's, never a more derived one.
+/// @relates KNMimeError
 [[noreturn]] KNMIME_EXPORT void KNThrow(const KNMimeError& error);
+/// Throws a copy of the parse error as a KNMimeParseError.
+/// @relates KNMimeParseError
 [[noreturn]] KNMIME_EXPORT void KNThrow(const KNMimeParseError& error);
 
 #endif

@@ -22,9 +22,12 @@ public:
     /// True for every label the factory does not know (the empty one included).
     bool checkLabel(const KNCString& label) const override;
 
+    /// The value as written: unfolded and trimmed, encoded words not decoded.
     KNCString getValue() const;
+    /// Replaces the value; it is folded when printed.
     void setValue(const KNCString& value);
 
+    /// The unstructured body; KNTHRInvalidPointer when the header has none or another kind.
     KNMimeUnstructuredHeaderImp* body() const;
 };
 

@@ -20,12 +20,16 @@ public:
     explicit KNMimeHeader(const KNCString& label);
     /// Adopts a newly made body; null gives an empty handle.
     explicit KNMimeHeader(KNMimeHeaderImp* body);
+    /// Copies and moves share the body; a moved-from handle is empty.
+    ///@{
     KNMimeHeader(const KNMimeHeader& other) = default;
     KNMimeHeader& operator=(const KNMimeHeader& other) = default;
     KNMimeHeader(KNMimeHeader&&) noexcept = default;
     KNMimeHeader& operator=(KNMimeHeader&&) noexcept = default;
+    ///@}
     virtual ~KNMimeHeader();
 
+    /// The label as written (compare it ignoring case).
     KNCString getLabel() const;
     /// "label: value", folded at 78 columns, without a final line end.
     KNCString asString() const;
@@ -36,6 +40,7 @@ public:
     /// Whether this kind of handle may carry a header with `label`; always true here.
     virtual bool checkLabel(const KNCString& label) const;
 
+    /// The body; KNTHRInvalidPointer for an empty handle.
     KNMimeHeaderImp* body() const;
 
 protected:
@@ -44,7 +49,10 @@ protected:
 };
 
 /// Equal when the labels match ignoring case and the bodies find their values equal.
+/// @relates KNMimeHeader
 KNMIME_EXPORT bool operator==(const KNMimeHeader& a, const KNMimeHeader& b);
+/// The negation of operator==.
+/// @relates KNMimeHeader
 KNMIME_EXPORT bool operator!=(const KNMimeHeader& a, const KNMimeHeader& b);
 
 #endif

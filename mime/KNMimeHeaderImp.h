@@ -22,7 +22,9 @@ public:
     /// Compares the printed values exactly; a value that cannot be printed compares unequal.
     virtual bool compareValueTo(const KNMimeHeaderImp& other) const;
 
+    /// Replaces the label; it is checked when printed.
     void setLabel(const KNCString& label) { label_ = label; }
+    /// The label as written.
     KNCString getLabel() const { return label_; }
     /// "label: value" folded at 78 columns; a label that is empty or holds a blank, colon,
     /// control character or DEL is refused.
@@ -32,8 +34,11 @@ public:
 
 protected:
     KNMimeHeaderImp() = default;
+    /// Copies carry the label; derived bodies copy their values.
+    ///@{
     KNMimeHeaderImp(const KNMimeHeaderImp& other) = default;
     KNMimeHeaderImp& operator=(const KNMimeHeaderImp& other) = default;
+    ///@}
 
     /// Typed bodies compare values of their own class; a body of another class under the
     /// same label (possible after the factory registrations changed) falls back to the
@@ -52,7 +57,10 @@ private:
 };
 
 /// Labels equal ignoring case, then values equal by the first body's compareValueTo.
+/// @relates KNMimeHeaderImp
 KNMIME_EXPORT bool operator==(const KNMimeHeaderImp& a, const KNMimeHeaderImp& b);
+/// The negation of operator==.
+/// @relates KNMimeHeaderImp
 KNMIME_EXPORT bool operator!=(const KNMimeHeaderImp& a, const KNMimeHeaderImp& b);
 
 #endif

@@ -30,6 +30,7 @@ public:
     /// Adopts the body; null gives an empty handle.
     explicit KNMimeMultipart(KNMimeMultipartImp* body);
 
+    /// The multipart body; KNTHRInvalidPointer when the handle is empty.
     KNMimeMultipartImp* body() const { return bodyAs<KNMimeMultipartImp>(); }
 
     /// The text before the first delimiter line, without its line end.
@@ -37,12 +38,15 @@ public:
     /// Stored verbatim, unchecked.
     void setPreamble(const KNCString& preamble);
 
+    /// The number of nested parts.
     std::size_t getPartCount() const;
     /// Part i, sharing its body: changing it changes this multipart.
     KNMimePart getPart(std::size_t i) const;
+    /// Appends `part` (shared, not copied).
     void insertPart(const KNMimePart& part);
     /// The new part gets index i; i above the count throws KNBoundsErr naming i - 1.
     void insertPartAt(std::size_t i, const KNMimePart& part);
+    /// Removes part i; KNBoundsErr when i is not below the count.
     void removePartAt(std::size_t i);
     /// First part index not below `start` with a header equal to `header` among its own
     /// headers, or npos.

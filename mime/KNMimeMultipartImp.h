@@ -32,6 +32,7 @@ public:
     /// the parts parsed before the error stay. The body that is parsed counts as the first
     /// of at most 128 nested multipart levels (NESTING_TOO_DEEP beyond).
     void setBody(const KNCString& body) override;
+    /// Always true.
     bool isMultipart() const override;
 
     bool compareTo(const KNMimePartImp& other) const override;
@@ -40,23 +41,29 @@ public:
     /// Preambles identical and the parts equal index by index.
     bool compareTo(const KNMimeMultipartImp& other) const override;
 
+    /// The text before the first boundary line, as stored.
     KNCString getPreamble() const { return preamble_; }
     /// Stored verbatim, unchecked.
     void setPreamble(const KNCString& preamble) { preamble_ = preamble; }
 
+    /// The number of nested parts.
     std::size_t getPartCount() const noexcept { return parts_.size(); }
     /// Part i, sharing its body with the stored one.
     KNMimePart getPart(std::size_t i) const;
+    /// Appends `part` (shared, not copied).
     void insertPart(const KNMimePart& part);
     /// The new part gets index i; i equal to the count appends.
     void insertPartAt(std::size_t i, const KNMimePart& part);
+    /// Removes part i; KNBoundsErr when i is not below the count.
     void removePartAt(std::size_t i);
     /// First part index not below `start` whose own headers hold one equal to `header`, or
     /// npos. Parts nested deeper are not searched.
     std::size_t findPart(const KNMimeHeader& header, std::size_t start) const;
 
 protected:
+    /// Appends the printed multipart body to `out`.
     void appendBodyTo(KNCString& out) const override;
+    /// A guess at the length of the printed multipart body.
     std::size_t bodySizeHint() const override;
 
 private:

@@ -13,11 +13,16 @@
 class KNMIME_EXPORT KNMimeParameter {
 public:
     KNMimeParameter();
+    /// The parameter `name`=`value`; both are checked only when printed.
     KNMimeParameter(const KNCString& name, const KNCString& value);
 
+    /// The name as written (compare it ignoring case).
     KNCString getName() const;
+    /// Replaces the name.
     void setName(const KNCString& name);
+    /// The value, unquoted.
     KNCString getValue() const;
+    /// Replaces the value (unquoted; asString quotes it).
     void setValue(const KNCString& value);
 
     /// Parses name=value (split at the first '=' outside quotes and comments, both sides
@@ -38,7 +43,10 @@ private:
 };
 
 /// Names compare ignoring case, values exactly.
+/// @relates KNMimeParameter
 KNMIME_EXPORT bool operator==(const KNMimeParameter& a, const KNMimeParameter& b);
+/// The negation of operator==.
+/// @relates KNMimeParameter
 KNMIME_EXPORT bool operator!=(const KNMimeParameter& a, const KNMimeParameter& b);
 
 #endif

@@ -17,6 +17,7 @@ class KNMIME_EXPORT KNMimeParameterList {
 public:
     KNMimeParameterList();
 
+    /// The number of parameters.
     std::size_t getParameterCount() const;
     /// A copy of parameter i; KNBoundsErr when i is not below the count.
     KNMimeParameter getParameter(std::size_t i) const;
@@ -31,6 +32,7 @@ public:
     void insertParameter(const KNMimeParameter& p);
     /// KNBoundsErr when i is not below the count.
     void removeParameter(std::size_t i);
+    /// Removes every parameter.
     void removeAllParameters();
 
     /// Replaces the list by the ';'-separated parameters of `text`; on KNMimeParseError the
@@ -53,7 +55,10 @@ private:
 
 /// Order-insensitive: equal sizes, and every element of each list occurs in the other
 /// (multiplicity is not counted, so [a, a, b] equals [a, b, b]).
+/// @relates KNMimeParameterList
 KNMIME_EXPORT bool operator==(const KNMimeParameterList& a, const KNMimeParameterList& b);
+/// The negation of operator==.
+/// @relates KNMimeParameterList
 KNMIME_EXPORT bool operator!=(const KNMimeParameterList& a, const KNMimeParameterList& b);
 
 /// The parameter operations of a class that owns a parameter list (a content type or a
@@ -62,22 +67,31 @@ KNMIME_EXPORT bool operator!=(const KNMimeParameterList& a, const KNMimeParamete
 template <class Owner>
 class KNMimeParameterAccess {
 public:
+    /// The number of parameters.
     std::size_t getParameterCount() const { return list().getParameterCount(); }
+    /// A copy of parameter i; KNBoundsErr when i is not below the count.
     KNMimeParameter getParameter(std::size_t i) const { return list().getParameter(i); }
+    /// Position of the first parameter at or after `start` named `name` (ignoring case), or npos.
     std::size_t findParameter(const KNCString& name, std::size_t start = 0) const
     {
         return list().findParameter(name, start);
     }
+    /// Value of the parameter findParameter finds; empty when there is none.
     KNCString getParameterValue(const KNCString& name, std::size_t start = 0) const
     {
         return list().getParameterValue(name, start);
     }
+    /// Removes the first match at or after `start`, then appends name=value unless the value
+    /// is empty (so an empty value removes the parameter).
     void setParameterValue(const KNCString& name, const KNCString& value, std::size_t start = 0)
     {
         list().setParameterValue(name, value, start);
     }
+    /// Appends a copy at the end.
     void insertParameter(const KNMimeParameter& p) { list().insertParameter(p); }
+    /// Removes parameter i; KNBoundsErr when i is not below the count.
     void removeParameter(std::size_t i) { list().removeParameter(i); }
+    /// Removes every parameter.
     void removeAllParameters() { list().removeAllParameters(); }
 
 protected:

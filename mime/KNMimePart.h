@@ -24,12 +24,16 @@ public:
     explicit KNMimePart(const KNMimeContentType& type);
     /// Adopts the body; null gives an empty handle.
     explicit KNMimePart(KNMimePartImp* body);
+    /// Copies and moves share the body; a moved-from handle is empty.
+    ///@{
     KNMimePart(const KNMimePart& other) = default;
     KNMimePart& operator=(const KNMimePart& other) = default;
     KNMimePart(KNMimePart&&) noexcept = default;
     KNMimePart& operator=(KNMimePart&&) noexcept = default;
+    ///@}
     virtual ~KNMimePart();
 
+    /// The body; KNTHRInvalidPointer for an empty handle.
     KNMimePartImp* body() const { return rootBody<KNMimePartImp>(); }
 
     /// Headers, each followed by CRLF, an empty line, then the body; the body is printed as
@@ -42,17 +46,22 @@ public:
     /// INVALID_MULTIPART_CONVERSION.
     void fromString(const KNCString& text);
 
+    /// True when the part has a multipart body (see KNMimeMultipart).
     bool isMultipart() const;
     /// The body text; for a multipart, the printed multipart body.
     KNCString getBody() const;
     /// For a string body the text is stored verbatim; a multipart body parses it into parts.
     void setBody(const KNCString& body);
 
+    /// The number of headers.
     std::size_t getHeaderCount() const;
+    /// Header i, sharing its body with the stored one; KNBoundsErr when i is not below the count.
     KNMimeHeader getHeader(std::size_t i) const;
+    /// Appends `header` (shared, not copied).
     void insertHeader(const KNMimeHeader& header);
     /// The new header gets index i; i above the count throws KNBoundsErr naming i - 1.
     void insertHeaderAt(std::size_t i, const KNMimeHeader& header);
+    /// Removes header i; KNBoundsErr when i is not below the count.
     void removeHeaderAt(std::size_t i);
     /// First index not below `start` with this label (ignoring case), or npos.
     std::size_t findHeader(const KNCString& label, std::size_t start) const;
@@ -63,7 +72,10 @@ public:
 
 /// Value equality: headers in order, then the bodies. A string body and a multipart body are
 /// compared through printed text, and the two orders of the operands can disagree.
+/// @relates KNMimePart
 KNMIME_EXPORT bool operator==(const KNMimePart& left, const KNMimePart& right);
+/// The negation of operator==.
+/// @relates KNMimePart
 KNMIME_EXPORT bool operator!=(const KNMimePart& left, const KNMimePart& right);
 
 #endif

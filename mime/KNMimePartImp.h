@@ -29,18 +29,25 @@ public:
     virtual KNCString getBody() const = 0;
     /// Replaces the body text: stored verbatim, or parsed into nested parts.
     virtual void setBody(const KNCString& body) = 0;
+    /// True for a multipart body.
     virtual bool isMultipart() const = 0;
     /// Equality by double dispatch: the headers first, then the pair of concrete bodies.
     virtual bool compareTo(const KNMimePartImp& other) const = 0;
+    /// The second step of compareTo: `other` is the concrete body of the left operand.
+    ///@{
     virtual bool compareTo(const KNMimeStringPartImp& other) const = 0;
     virtual bool compareTo(const KNMimeMultipartImp& other) const = 0;
+    ///@}
 
+    /// The number of headers.
     std::size_t getHeaderCount() const noexcept { return headers_.size(); }
     /// Header i, sharing its body with the stored one.
     KNMimeHeader getHeader(std::size_t i) const;
+    /// Appends `header` (shared, not copied).
     void insertHeader(const KNMimeHeader& header);
     /// The new header gets index i; i equal to the count appends.
     void insertHeaderAt(std::size_t i, const KNMimeHeader& header);
+    /// Removes header i; KNBoundsErr when i is not below the count.
     void removeHeaderAt(std::size_t i);
     /// First index not below `start` whose label equals `label` ignoring case, or npos.
     std::size_t findHeader(const KNCString& label, std::size_t start) const;
@@ -57,7 +64,9 @@ public:
 protected:
     KNMimePartImp() = default;
 
+    /// Appends the printed body to `out`.
     virtual void appendBodyTo(KNCString& out) const = 0;
+    /// A guess at the length of the printed body.
     virtual std::size_t bodySizeHint() const = 0;
 
 private:
@@ -66,7 +75,10 @@ private:
 
 /// Value equality of two bodies (left.compareTo(right)); see compareTo for the asymmetry
 /// between a string body and a multipart body.
+/// @relates KNMimePartImp
 KNMIME_EXPORT bool operator==(const KNMimePartImp& left, const KNMimePartImp& right);
+/// The negation of operator==.
+/// @relates KNMimePartImp
 KNMIME_EXPORT bool operator!=(const KNMimePartImp& left, const KNMimePartImp& right);
 
 #endif

@@ -19,6 +19,7 @@ public:
     KNCString getBody() const override;
     /// Stores the text as given: no transfer encoding, no check.
     void setBody(const KNCString& body) override;
+    /// Always false.
     bool isMultipart() const override;
 
     bool compareTo(const KNMimePartImp& other) const override;
@@ -29,7 +30,9 @@ public:
     bool compareTo(const KNMimeMultipartImp& other) const override;
 
 protected:
+    /// Appends the stored body to `out`.
     void appendBodyTo(KNCString& out) const override;
+    /// The length of the stored body.
     std::size_t bodySizeHint() const override;
 
 private:

@@ -16,15 +16,17 @@ public:
 
     /// text/plain without parameters.
     KNMimeTextType();
-    /// text/<subType>, with a charset parameter unless `charset` is empty.
+    /// text/`subType`, with a charset parameter unless `charset` is empty.
     KNMimeTextType(const KNCString& subType, const KNCString& charset);
     /// Shares the body of `type`; KNMimeError (INVALID_TYPE_CONVERSION) unless it is text.
     KNMimeTextType(const KNMimeContentType& type);
+    /// Adopts the body; null gives an empty handle.
     explicit KNMimeTextType(KNMimeContentTypeImp* body);
 
     /// True for media type "text" (ignoring case), whatever the subtype.
     bool checkType(const KNCString& mediaType, const KNCString& subType) const override;
 
+    /// The value of the charset parameter, empty when absent.
     KNCString getCharset() const;
     /// An empty value removes the charset.
     void setCharset(const KNCString& charset);

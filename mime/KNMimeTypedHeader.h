@@ -19,12 +19,14 @@ public:
     /// otherwise INVALID_HEADER_CONVERSION naming the label of `header`.
     KNMimeTypedHeader(const KNMimeHeader& header) : KNMimeHeader(accepted(header)) {}
 
+    /// True when `label` equals this class's label ignoring case.
     bool checkLabel(const KNCString& label) const override { return acceptsLabel(label); }
 
     /// The typed body; "Invalid pointer" when there is none or it is of another class
     /// (which happens when the application registered another creator for the label).
     Body* body() const { return bodyAs<Body>(); }
 
+    /// True when `label` equals `Derived::Label` ignoring case.
     static bool acceptsLabel(const KNCString& label) { return knEqualsIgnoreCase(label, Derived::Label); }
 
 private:

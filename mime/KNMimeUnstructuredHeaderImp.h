@@ -12,6 +12,7 @@ class KNMimeHeader;
 class KNMIME_EXPORT KNMimeUnstructuredHeaderImp : public KNMimeHeaderImp {
 public:
     KNMimeUnstructuredHeaderImp() = default;
+    /// A copy with the same label and value.
     KNMimeUnstructuredHeaderImp(const KNMimeUnstructuredHeaderImp& other) = default;
     ~KNMimeUnstructuredHeaderImp() override;
 
@@ -22,7 +23,9 @@ public:
     void setValueFromString(const KNCString& text) override;
     KNMimeUnstructuredHeaderImp* copy() const override;
 
+    /// The value as written.
     KNCString getValue() const { return value_; }
+    /// Replaces the value.
     void setValue(const KNCString& value) { value_ = value; }
 
 private:

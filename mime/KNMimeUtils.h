@@ -15,14 +15,17 @@ class KNMIME_EXPORT KNMimeUtils {
 public:
     KNMimeUtils() = delete;
 
-    /// Encoding names understood by encode() and decode().
+    /// @name Encoding names understood by encode() and decode()
+    ///@{
     static const KNCString QuotedPrintable; ///< "quoted-printable"
     static const KNCString Base64;          ///< "base64"
     static const KNCString SevenBit;        ///< "7bit"
     static const KNCString EightBit;        ///< "8bit"
     static const KNCString Binary;          ///< "binary"
+    ///@}
 
-    // --- lexical helpers -------------------------------------------------------------
+    /// @name Lexical helpers
+    ///@{
 
     /// Position of the first `delim` outside quoted strings and (nested) comments, or npos.
     static std::size_t findDelimiter(const KNCString& text, char delim);
@@ -44,18 +47,31 @@ public:
     /// A new multipart boundary "_=_next_part_<n>_=_", n strictly increasing in the process.
     static KNCString getUniqueBoundary();
 
-    // --- body transfer encodings -----------------------------------------------------
+    ///@}
 
+    /// @name Body transfer encodings
+    ///@{
+
+    /// The base64 text of `data`: each full line of 72 characters is followed by CR LF, a
+    /// shorter last line is not.
     static KNCString encodeBase64(const KNCString& data);
     /// Throws KNMimeParseError (INVALID_BASE64_CHAR) on a byte outside the alphabet.
     static KNCString decodeBase64(const KNCString& text);
+    /// The quoted-printable text of `data`; long lines get soft line breaks ('=' CR LF).
     static KNCString encodeQuotedPrintable(const KNCString& data);
+    /// The bytes a quoted-printable text stands for; with `stripTrailingWhitespace`, blanks
+    /// at the ends of the decoded lines are dropped.
     static KNCString decodeQuotedPrintable(const KNCString& text, bool stripTrailingWhitespace);
     /// Dispatch by encoding name, ignoring case; KNMimeError (UNKNOWN_ENCODING) otherwise.
     static KNCString encode(const KNCString& data, const KNCString& encoding);
+    /// Decodes `text` with the named encoding, ignoring case; KNMimeError (UNKNOWN_ENCODING)
+    /// for a name it does not know.
     static KNCString decode(const KNCString& text, const KNCString& encoding);
 
-    // --- encoded words in header values ----------------------------------------------
+    ///@}
+
+    /// @name Encoded words in header values
+    ///@{
 
     /// One or more encoded words of at most 75 characters, separated by one blank.
     static KNCString headerEncode(const KNCString& text, const KNCString& charset, const KNCString& encoding);
@@ -67,6 +83,7 @@ public:
     static KNCString headerDecode(const KNCString& text, KNCString& charset);
     /// Decodes a Q-encoded word body.
     static KNCString headerDecodeQ(const KNCString& text);
+    ///@}
 };
 
 #endif

@@ -12,12 +12,16 @@ public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
     /// Version 1.0.
     KNMimeVersionHeader();
+    /// A MIME-Version header with the value `majorVersion`.`minorVersion`.
     KNMimeVersionHeader(unsigned majorVersion, unsigned minorVersion);
 
     static const KNCString Label; ///< "MIME-Version"
 
+    /// The number before the dot.
     unsigned getMajorVersion() const;
+    /// The number after the dot.
     unsigned getMinorVersion() const;
+    /// Replaces the version.
     void setVersion(unsigned majorVersion, unsigned minorVersion);
 };
 

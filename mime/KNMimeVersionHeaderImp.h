@@ -11,9 +11,11 @@ class KNMimeHeader;
 class KNMIME_EXPORT KNMimeVersionHeaderImp : public KNMimeHeaderImp {
 public:
     KNMimeVersionHeaderImp() = default;
+    /// A copy with the same label and version.
     KNMimeVersionHeaderImp(const KNMimeVersionHeaderImp& other) = default;
     ~KNMimeVersionHeaderImp() override;
 
+    /// A new header of this kind; the creator registered with the header factory.
     static KNMimeHeader make();
 
     KNCString getValueAsString() const override;
@@ -22,8 +24,11 @@ public:
     KNMimeVersionHeaderImp* copy() const override;
     bool compareValueTo(const KNMimeHeaderImp& other) const override;
 
+    /// The number before the dot.
     unsigned getMajorVersion() const { return majorVersion_; }
+    /// The number after the dot.
     unsigned getMinorVersion() const { return minorVersion_; }
+    /// Replaces the version.
     void setVersion(unsigned majorVersion, unsigned minorVersion)
     {
         majorVersion_ = majorVersion;

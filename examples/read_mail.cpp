@@ -16,6 +16,7 @@ int main(int argc, char** argv)
     std::ifstream file(argv[1], std::ios::binary);
     const std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
 
+    // readme: read-mail
     const KNMimeReadResult result = KNMimeReader().read(bytes); // never throws for bad mail
     for (const KNMimeReadResult::Entity& entity : result.getEntities()) {
         const KNMimePart& part = entity.part;
@@ -25,4 +26,5 @@ int main(int argc, char** argv)
     }
     for (const KNMimeDefect& defect : result.getDefects())
         std::cout << "defect " << defect.kindName() << " at byte " << defect.offset << ": " << defect.text << '\n';
+    // readme: end
 }

@@ -1,7 +1,8 @@
 #ifndef KN_FOUNDATION_KNMESSAGE_H
 #define KN_FOUNDATION_KNMESSAGE_H
 
-// A catalogue message formatted printf-style with its arguments: the text an exception carries.
+/// @class KNMessage
+/// A catalogue message formatted printf-style with its arguments: the text an exception carries.
 
 #include <foundation/KNCString.h>
 #include <foundation/KNCatMsg.h>
@@ -11,19 +12,22 @@
 
 class KNMIME_EXPORT KNMessage {
 public:
-    // Optional translation hook: given a record's domain and number, returns the format to
-    // use instead of the record's default text, or null to keep the default.
+    /// Optional translation hook: given a record's domain and number, returns the format to
+    /// use instead of the record's default text, or null to keep the default.
     using CatalogueLookup = const char* (*)(const char* domainName, std::int32_t msgNumber);
 
+    /// Formats the record's default text with `args`, printf-style; a KNCString argument is
+    /// passed as its character data.
     template <class... Args>
     explicit KNMessage(const KNCatMsg* msg, const Args&... args)
         : text_(format(formatFor(msg), vararg(args)...))
     {
     }
 
+    /// The formatted text.
     const KNCString& str() const noexcept { return text_; }
 
-    // Installs (or, with null, removes) the translation hook for messages built afterwards.
+    /// Installs (or, with null, removes) the translation hook for messages built afterwards.
     static void setCatalogueLookup(CatalogueLookup lookup) noexcept;
 
 private:

@@ -1,13 +1,15 @@
 #ifndef KN_FOUNDATION_KNONCE_H
 #define KN_FOUNDATION_KNONCE_H
 
-// A once-only guard: the first caller runs the initialiser, every other caller waits for it.
+/// @class KNOnce
+/// A once-only guard: the first caller runs the initialiser, every other caller waits for it.
 
 #include <mutex>
 #include <utility>
 
 class KNOnce {
 public:
+    /// Runs `initialiser` if no call ran one yet, and returns once it has run (on any thread).
     template <class F>
     void run(F&& initialiser)
     {

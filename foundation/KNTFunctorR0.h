@@ -1,8 +1,9 @@
 #ifndef KN_FOUNDATION_KNTFUNCTORR0_H
 #define KN_FOUNDATION_KNTFUNCTORR0_H
 
-// A copyable callable with no arguments returning R. Copies share one target, so two
-// registrations made from the same functor are the very same creator object.
+/// @class KNTFunctorR0
+/// A copyable callable with no arguments returning R. Copies share one target, so two
+/// registrations made from the same functor are the very same creator object.
 
 #include <foundation/KNTHRInvalidPointer.h>
 
@@ -16,6 +17,7 @@ class KNTFunctorR0 {
 public:
     KNTFunctorR0() noexcept = default;
 
+    /// Holds a copy of `callable` (a function pointer, lambda or function object).
     template <class F,
               class = std::enable_if_t<!std::is_same_v<std::decay_t<F>, KNTFunctorR0> &&
                                        std::is_invocable_r_v<R, F&>>>
@@ -28,7 +30,7 @@ public:
         target_ = std::make_shared<const std::function<R()>>(std::forward<F>(callable));
     }
 
-    // Calls the target; an empty functor throws KNTHRInvalidPointer.
+    /// Calls the target; an empty functor throws KNTHRInvalidPointer.
     R operator()() const
     {
         if (!target_)
@@ -36,9 +38,10 @@ public:
         return (*target_)();
     }
 
+    /// True when a callable is held; calling an empty functor throws.
     explicit operator bool() const noexcept { return static_cast<bool>(target_); }
 
-    // True when both functors were copied from one another (or are both empty).
+    /// True when both functors were copied from one another (or are both empty).
     bool sharesTargetWith(const KNTFunctorR0& other) const noexcept { return target_ == other.target_; }
 
 private:

@@ -1,7 +1,8 @@
 #ifndef KN_FOUNDATION_KNTHRINVALIDPOINTER_H
 #define KN_FOUNDATION_KNTHRINVALIDPOINTER_H
 
-// Thrown when an empty handle, pointer or callable is used: the text is "Invalid pointer".
+/// @class KNTHRInvalidPointer
+/// Thrown when an empty handle, pointer or callable is used: the text is "Invalid pointer".
 
 #include <foundation/KNxmsg.h>
 

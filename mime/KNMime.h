@@ -1,9 +1,11 @@
 #ifndef KN_MIME_KNMIME_H
 #define KN_MIME_KNMIME_H
 
-// Everything a caller of the MIME library uses: parts and multiparts, headers and their
-// factory, parameters, content types and dispositions, the text utilities and the errors.
+/// @file
+/// Everything a caller of the MIME library uses: parts and multiparts, headers and their
+/// factory, parameters, content types and dispositions, the text utilities and the errors.
 
+#include <foundation/KNLibraryVersion.h>
 #include <mime/KNMimeContentDescriptionHeader.h>
 #include <mime/KNMimeContentDisposition.h>
 #include <mime/KNMimeContentDispositionHeader.h>

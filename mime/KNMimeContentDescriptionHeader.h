@@ -1,7 +1,8 @@
 #ifndef KN_MIME_KNMIMECONTENTDESCRIPTIONHEADER_H
 #define KN_MIME_KNMIMECONTENTDESCRIPTIONHEADER_H
 
-// The Content-Description header: free text describing a part, kept exactly as given.
+/// @class KNMimeContentDescriptionHeader
+/// The Content-Description header: free text describing a part, kept exactly as given.
 
 #include <mime/KNMimeTypedHeader.h>
 #include <mime/KNMimeUnstructuredHeaderImp.h>
@@ -10,11 +11,14 @@ class KNMIME_EXPORT KNMimeContentDescriptionHeader
     : public KNMimeTypedHeader<KNMimeContentDescriptionHeader, KNMimeUnstructuredHeaderImp> {
 public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
+    /// A Content-Description header with the text `description`.
     explicit KNMimeContentDescriptionHeader(const KNCString& description);
 
-    static const KNCString Label; // "Content-Description"
+    static const KNCString Label; ///< "Content-Description"
 
+    /// The description as written (encoded words are not decoded).
     KNCString getDescription() const;
+    /// Replaces the description.
     void setDescription(const KNCString& description);
 };
 

@@ -1,7 +1,8 @@
 #ifndef KN_MIME_KNMIMECONTENTDISPOSITIONHEADER_H
 #define KN_MIME_KNMIMECONTENTDISPOSITIONHEADER_H
 
-// The Content-Disposition header: its value is a disposition type with parameters.
+/// @class KNMimeContentDispositionHeader
+/// The Content-Disposition header: its value is a disposition type with parameters.
 
 #include <mime/KNMimeContentDisposition.h>
 #include <mime/KNMimeContentDispositionHeaderImp.h>
@@ -11,12 +12,14 @@ class KNMIME_EXPORT KNMimeContentDispositionHeader
     : public KNMimeTypedHeader<KNMimeContentDispositionHeader, KNMimeContentDispositionHeaderImp> {
 public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
+    /// A Content-Disposition header holding `disposition` (shared, not copied).
     explicit KNMimeContentDispositionHeader(const KNMimeContentDisposition& disposition);
 
-    static const KNCString Label; // "Content-Disposition"
+    static const KNCString Label; ///< "Content-Disposition"
 
-    // The held disposition, shared: changing it changes this header.
+    /// The held disposition, shared: changing it changes this header.
     KNMimeContentDisposition getContentDisposition() const;
+    /// Makes the header hold `disposition` (shared, not copied).
     void setContentDisposition(const KNMimeContentDisposition& disposition);
 };
 

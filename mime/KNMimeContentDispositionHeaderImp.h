@@ -1,7 +1,8 @@
 #ifndef KN_MIME_KNMIMECONTENTDISPOSITIONHEADERIMP_H
 #define KN_MIME_KNMIMECONTENTDISPOSITIONHEADERIMP_H
 
-// Header body of a Content-Disposition field: holds the disposition and its parameters.
+/// @class KNMimeContentDispositionHeaderImp
+/// Header body of a Content-Disposition field: holds the disposition and its parameters.
 
 #include <mime/KNMimeContentDisposition.h>
 #include <mime/KNMimeHeaderImp.h>
@@ -11,10 +12,11 @@ class KNMimeHeader;
 class KNMIME_EXPORT KNMimeContentDispositionHeaderImp : public KNMimeHeaderImp {
 public:
     KNMimeContentDispositionHeaderImp() = default;
-    // Copies the label and deep-copies the disposition.
+    /// Copies the label and deep-copies the disposition.
     KNMimeContentDispositionHeaderImp(const KNMimeContentDispositionHeaderImp& other);
     ~KNMimeContentDispositionHeaderImp() override;
 
+    /// A new header of this kind; the creator registered with the header factory.
     static KNMimeHeader make();
 
     KNCString getValueAsString() const override;
@@ -22,8 +24,9 @@ public:
     KNMimeContentDispositionHeaderImp* copy() const override;
     bool compareValueTo(const KNMimeHeaderImp& other) const override;
 
-    // The held disposition (a handle sharing it, not a copy).
+    /// The held disposition (a handle sharing it, not a copy).
     KNMimeContentDisposition getContentDisposition() const { return disposition_; }
+    /// Holds `disposition` from now on (shared, not copied).
     void setContentDisposition(const KNMimeContentDisposition& disposition) { disposition_ = disposition; }
 
 private:

@@ -1,7 +1,8 @@
 #ifndef KN_MIME_KNMIMECONTENTIDHEADER_H
 #define KN_MIME_KNMIMECONTENTIDHEADER_H
 
-// The Content-ID header: the identifier text of a part, angle brackets included as given.
+/// @class KNMimeContentIdHeader
+/// The Content-ID header: the identifier text of a part, angle brackets included as given.
 
 #include <mime/KNMimeStructuredHeaderImp.h>
 #include <mime/KNMimeTypedHeader.h>
@@ -9,11 +10,14 @@
 class KNMIME_EXPORT KNMimeContentIdHeader : public KNMimeTypedHeader<KNMimeContentIdHeader, KNMimeStructuredHeaderImp> {
 public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
+    /// A Content-ID header with the value `id` (usually `<unique@host>`).
     explicit KNMimeContentIdHeader(const KNCString& id);
 
-    static const KNCString Label; // "Content-ID"
+    static const KNCString Label; ///< "Content-ID"
 
+    /// The id as written.
     KNCString getId() const;
+    /// Replaces the id.
     void setId(const KNCString& id);
 };
 

@@ -1,7 +1,8 @@
 #ifndef KN_MIME_KNMIMECONTENTLOCATIONHEADER_H
 #define KN_MIME_KNMIMECONTENTLOCATIONHEADER_H
 
-// The Content-Location header: the URI a part is known by.
+/// @class KNMimeContentLocationHeader
+/// The Content-Location header: the URI a part is known by.
 
 #include <mime/KNMimeStructuredHeaderImp.h>
 #include <mime/KNMimeTypedHeader.h>
@@ -10,11 +11,14 @@ class KNMIME_EXPORT KNMimeContentLocationHeader
     : public KNMimeTypedHeader<KNMimeContentLocationHeader, KNMimeStructuredHeaderImp> {
 public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
+    /// A Content-Location header with the value `uri`.
     explicit KNMimeContentLocationHeader(const KNCString& uri);
 
-    static const KNCString Label; // "Content-Location"
+    static const KNCString Label; ///< "Content-Location"
 
+    /// The URI as written.
     KNCString getURI() const;
+    /// Replaces the URI.
     void setURI(const KNCString& uri);
 };
 

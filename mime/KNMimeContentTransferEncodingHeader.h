@@ -1,7 +1,8 @@
 #ifndef KN_MIME_KNMIMECONTENTTRANSFERENCODINGHEADER_H
 #define KN_MIME_KNMIMECONTENTTRANSFERENCODINGHEADER_H
 
-// The Content-Transfer-Encoding header: its value is the name of the body's encoding.
+/// @class KNMimeContentTransferEncodingHeader
+/// The Content-Transfer-Encoding header: its value is the name of the body's encoding.
 
 #include <mime/KNMimeContentTransferEncodingHeaderImp.h>
 #include <mime/KNMimeTypedHeader.h>
@@ -10,12 +11,14 @@ class KNMIME_EXPORT KNMimeContentTransferEncodingHeader
     : public KNMimeTypedHeader<KNMimeContentTransferEncodingHeader, KNMimeContentTransferEncodingHeaderImp> {
 public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
+    /// A Content-Transfer-Encoding header naming `encoding` (e.g. KNMimeUtils::Base64).
     explicit KNMimeContentTransferEncodingHeader(const KNCString& encoding);
 
-    static const KNCString Label; // "Content-Transfer-Encoding"
+    static const KNCString Label; ///< "Content-Transfer-Encoding"
 
+    /// The encoding name as written; compare it ignoring case.
     KNCString getEncoding() const;
-    // Stored as given; checked only when printed.
+    /// Stored as given; checked only when printed.
     void setEncoding(const KNCString& encoding);
 };
 

@@ -1,7 +1,8 @@
 #ifndef KN_MIME_KNMIMECONTENTTYPEHEADER_H
 #define KN_MIME_KNMIMECONTENTTYPEHEADER_H
 
-// The Content-Type header: its value is a media type with parameters.
+/// @class KNMimeContentTypeHeader
+/// The Content-Type header: its value is a media type with parameters.
 
 #include <mime/KNMimeContentType.h>
 #include <mime/KNMimeContentTypeHeaderImp.h>
@@ -11,12 +12,14 @@ class KNMIME_EXPORT KNMimeContentTypeHeader
     : public KNMimeTypedHeader<KNMimeContentTypeHeader, KNMimeContentTypeHeaderImp> {
 public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
+    /// A Content-Type header holding `contentType` (shared, not copied).
     explicit KNMimeContentTypeHeader(const KNMimeContentType& contentType);
 
-    static const KNCString Label; // "Content-Type"
+    static const KNCString Label; ///< "Content-Type"
 
-    // The held content type, shared: changing its parameters changes this header.
+    /// The held content type, shared: changing its parameters changes this header.
     KNMimeContentType getContentType() const;
+    /// Makes the header hold `contentType` (shared, not copied).
     void setContentType(const KNMimeContentType& contentType);
 };
 

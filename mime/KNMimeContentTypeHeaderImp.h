@@ -1,7 +1,8 @@
 #ifndef KN_MIME_KNMIMECONTENTTYPEHEADERIMP_H
 #define KN_MIME_KNMIMECONTENTTYPEHEADERIMP_H
 
-// Header body of a Content-Type field: holds the media type, text/plain until told otherwise.
+/// @class KNMimeContentTypeHeaderImp
+/// Header body of a Content-Type field: holds the media type, text/plain until told otherwise.
 
 #include <mime/KNMimeContentType.h>
 #include <mime/KNMimeHeaderImp.h>
@@ -10,13 +11,14 @@ class KNMimeHeader;
 
 class KNMIME_EXPORT KNMimeContentTypeHeaderImp : public KNMimeHeaderImp {
 public:
-    // Each body starts with a content type of its own, so that changing one header's
-    // parameters never shows through another header.
+    /// Each body starts with a content type of its own, so that changing one header's
+    /// parameters never shows through another header.
     KNMimeContentTypeHeaderImp();
-    // Copies the label and deep-copies the content type.
+    /// Copies the label and deep-copies the content type.
     KNMimeContentTypeHeaderImp(const KNMimeContentTypeHeaderImp& other);
     ~KNMimeContentTypeHeaderImp() override;
 
+    /// A new header of this kind; the creator registered with the header factory.
     static KNMimeHeader make();
 
     KNCString getValueAsString() const override;
@@ -24,8 +26,9 @@ public:
     KNMimeContentTypeHeaderImp* copy() const override;
     bool compareValueTo(const KNMimeHeaderImp& other) const override;
 
-    // The held content type (a handle sharing it, not a copy).
+    /// The held content type (a handle sharing it, not a copy).
     KNMimeContentType getContentType() const { return contentType_; }
+    /// Holds `contentType` from now on (shared, not copied).
     void setContentType(const KNMimeContentType& contentType) { contentType_ = contentType; }
 
 private:

@@ -1,7 +1,8 @@
 #ifndef KN_MIME_KNMIMECONTENTTYPEIMP_H
 #define KN_MIME_KNMIMECONTENTTYPEIMP_H
 
-// The shared body of a content type: media type, subtype and parameter list.
+/// @class KNMimeContentTypeImp
+/// The shared body of a content type: media type, subtype and parameter list.
 
 #include <foundation/KNBodyBase.h>
 #include <foundation/KNCString.h>
@@ -12,21 +13,28 @@ class KNMIME_EXPORT KNMimeContentTypeImp : public KNBodyBase,
                                            public KNMimeParameterAccess<KNMimeContentTypeImp> {
 public:
     KNMimeContentTypeImp();
+    /// The media type `mediaType`/`subType` with `parameters`.
     KNMimeContentTypeImp(KNCString mediaType, KNCString subType, KNMimeParameterList parameters);
     ~KNMimeContentTypeImp() override;
 
-    // type/subtype followed by the parameters; KNMimeError (INVALID_TOKEN) when the media
-    // type, the subtype or a parameter name is not a token.
+    /// type/subtype followed by the parameters; KNMimeError (INVALID_TOKEN) when the media
+    /// type, the subtype or a parameter name is not a token.
     virtual KNCString asString() const;
-    // A new, unreferenced body holding a member-wise copy.
+    /// A new, unreferenced body holding a member-wise copy.
     virtual KNMimeContentTypeImp* copy() const;
 
+    /// The media type as written.
     const KNCString& getMediaType() const { return mediaType_; }
+    /// Replaces the media type.
     void setMediaType(const KNCString& mediaType);
+    /// The subtype as written.
     const KNCString& getSubType() const { return subType_; }
+    /// Replaces the subtype.
     void setSubType(const KNCString& subType);
 
+    /// The parameters, for changing them in place.
     KNMimeParameterList& parameterList() { return parameters_; }
+    /// The parameters.
     const KNMimeParameterList& parameterList() const { return parameters_; }
 
 private:
@@ -35,8 +43,11 @@ private:
     KNMimeParameterList parameters_;
 };
 
-// Media types and subtypes compare ignoring case, parameter lists as lists do.
+/// Media types and subtypes compare ignoring case, parameter lists as lists do.
+/// @relates KNMimeContentTypeImp
 KNMIME_EXPORT bool operator==(const KNMimeContentTypeImp& a, const KNMimeContentTypeImp& b);
+/// The negation of operator==.
+/// @relates KNMimeContentTypeImp
 KNMIME_EXPORT bool operator!=(const KNMimeContentTypeImp& a, const KNMimeContentTypeImp& b);
 
 #endif

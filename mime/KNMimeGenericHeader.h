@@ -1,7 +1,8 @@
 #ifndef KN_MIME_KNMIMEGENERICHEADER_H
 #define KN_MIME_KNMIMEGENERICHEADER_H
 
-// A header whose label the header factory does not know, with a free-text value.
+/// @class KNMimeGenericHeader
+/// A header whose label the header factory does not know, with a free-text value.
 
 #include <foundation/KNCString.h>
 #include <mime/KNMimeHeader.h>
@@ -9,21 +10,24 @@
 
 class KNMIME_EXPORT KNMimeGenericHeader : public KNMimeHeader {
 public:
-    // Empty label and value: not printable until it gets a label.
+    /// Empty label and value: not printable until it gets a label.
     KNMimeGenericHeader();
-    // KNOWN_HEADER_TYPE when the factory knows `label`.
+    /// KNOWN_HEADER_TYPE when the factory knows `label`.
     KNMimeGenericHeader(const KNCString& label, const KNCString& value);
-    // Adopts a newly made body; null gives an empty handle.
+    /// Adopts a newly made body; null gives an empty handle.
     explicit KNMimeGenericHeader(KNMimeUnstructuredHeaderImp* body);
-    // Shares the body of `header`; KNOWN_HEADER_TYPE when the factory knows its label.
+    /// Shares the body of `header`; KNOWN_HEADER_TYPE when the factory knows its label.
     KNMimeGenericHeader(const KNMimeHeader& header);
 
-    // True for every label the factory does not know (the empty one included).
+    /// True for every label the factory does not know (the empty one included).
     bool checkLabel(const KNCString& label) const override;
 
+    /// The value as written: unfolded and trimmed, encoded words not decoded.
     KNCString getValue() const;
+    /// Replaces the value; it is folded when printed.
     void setValue(const KNCString& value);
 
+    /// The unstructured body; KNTHRInvalidPointer when the header has none or another kind.
     KNMimeUnstructuredHeaderImp* body() const;
 };
 

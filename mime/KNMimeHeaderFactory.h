@@ -1,11 +1,12 @@
 #ifndef KN_MIME_KNMIMEHEADERFACTORY_H
 #define KN_MIME_KNMIMEHEADERFACTORY_H
 
-// The process-wide registry that decides, from a header's label (ignoring case), which
-// body class the header gets.
-//
-// Registrations must not change while other threads create headers; create() and
-// contains() may run concurrently with one another.
+/// @class KNMimeHeaderFactory
+/// The process-wide registry that decides, from a header's label (ignoring case), which
+/// body class the header gets.
+///
+/// Registrations must not change while other threads create headers; create() and
+/// contains() may run concurrently with one another.
 
 #include <foundation/KNCString.h>
 #include <foundation/KNExport.h>
@@ -18,27 +19,27 @@
 
 class KNMIME_EXPORT KNMimeHeaderFactory {
 public:
-    // Makes a header handle over a fresh body.
+    /// Makes a header handle over a fresh body.
     using Creator = KNTFunctorR0<KNMimeHeader>;
 
-    // The single factory, made with the built-in registrations on first use.
+    /// The single factory, made with the built-in registrations on first use.
     static KNTCountingPointer<KNMimeHeaderFactory, KNAtomicCounter> instance();
 
     KNMimeHeaderFactory(const KNMimeHeaderFactory&) = delete;
     KNMimeHeaderFactory& operator=(const KNMimeHeaderFactory&) = delete;
     ~KNMimeHeaderFactory();
 
-    // A header from the creator registered for `label`, or from the default creator; the
-    // label of the new body is not set.
+    /// A header from the creator registered for `label`, or from the default creator; the
+    /// label of the new body is not set.
     KNMimeHeader create(const KNCString& label) const;
-    // Whether `label` has a creator of its own (the default creator does not count).
+    /// Whether `label` has a creator of its own (the default creator does not count).
     bool contains(const KNCString& label) const;
-    // Registers `creator` for `label` unless the label already has one: the first
-    // registration wins; unset it first to replace it.
+    /// Registers `creator` for `label` unless the label already has one: the first
+    /// registration wins; unset it first to replace it.
     void setHeaderFunctor(const KNCString& label, KNTFunctorR0<KNMimeHeader> creator);
-    // Removes the registration of `label`, if any.
+    /// Removes the registration of `label`, if any.
     void unsetHeaderFunctor(const KNCString& label);
-    // Replaces the creator used for every unregistered label.
+    /// Replaces the creator used for every unregistered label.
     void setDefaultHeaderFunctor(KNTFunctorR0<KNMimeHeader> creator);
 
 private:

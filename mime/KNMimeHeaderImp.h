@@ -1,8 +1,9 @@
 #ifndef KN_MIME_KNMIMEHEADERIMP_H
 #define KN_MIME_KNMIMEHEADERIMP_H
 
-// The abstract body of a header: its label, and the value operations each body class
-// defines for the kind of value it holds.
+/// @class KNMimeHeaderImp
+/// The abstract body of a header: its label, and the value operations each body class
+/// defines for the kind of value it holds.
 
 #include <foundation/KNBodyBase.h>
 #include <foundation/KNCString.h>
@@ -12,31 +13,36 @@ class KNMIME_EXPORT KNMimeHeaderImp : public KNBodyBase {
 public:
     ~KNMimeHeaderImp() override;
 
-    // The value as it is printed; may refuse a value that cannot be printed.
+    /// The value as it is printed; may refuse a value that cannot be printed.
     virtual KNCString getValueAsString() const = 0;
-    // Parses a value text (already unfolded and trimmed) into the body.
+    /// Parses a value text (already unfolded and trimmed) into the body.
     virtual void setValueFromString(const KNCString& text) = 0;
-    // A new body of the same class with the same label and value, for a handle to adopt.
+    /// A new body of the same class with the same label and value, for a handle to adopt.
     virtual KNMimeHeaderImp* copy() const = 0;
-    // Compares the printed values exactly; a value that cannot be printed compares unequal.
+    /// Compares the printed values exactly; a value that cannot be printed compares unequal.
     virtual bool compareValueTo(const KNMimeHeaderImp& other) const;
 
+    /// Replaces the label; it is checked when printed.
     void setLabel(const KNCString& label) { label_ = label; }
+    /// The label as written.
     KNCString getLabel() const { return label_; }
-    // "label: value" folded at 78 columns; a label that is empty or holds a blank, colon,
-    // control character or DEL is refused.
+    /// "label: value" folded at 78 columns; a label that is empty or holds a blank, colon,
+    /// control character or DEL is refused.
     KNCString asString() const;
-    // Labels equal ignoring case.
+    /// Labels equal ignoring case.
     bool compareLabelTo(const KNMimeHeaderImp& other) const;
 
 protected:
     KNMimeHeaderImp() = default;
+    /// Copies carry the label; derived bodies copy their values.
+    ///@{
     KNMimeHeaderImp(const KNMimeHeaderImp& other) = default;
     KNMimeHeaderImp& operator=(const KNMimeHeaderImp& other) = default;
+    ///@}
 
-    // Typed bodies compare values of their own class; a body of another class under the
-    // same label (possible after the factory registrations changed) falls back to the
-    // printed values.
+    /// Typed bodies compare values of their own class; a body of another class under the
+    /// same label (possible after the factory registrations changed) falls back to the
+    /// printed values.
     template <class Self, class Equal>
     bool compareAs(const KNMimeHeaderImp& other, Equal equal) const
     {
@@ -50,8 +56,11 @@ private:
     KNCString label_;
 };
 
-// Labels equal ignoring case, then values equal by the first body's compareValueTo.
+/// Labels equal ignoring case, then values equal by the first body's compareValueTo.
+/// @relates KNMimeHeaderImp
 KNMIME_EXPORT bool operator==(const KNMimeHeaderImp& a, const KNMimeHeaderImp& b);
+/// The negation of operator==.
+/// @relates KNMimeHeaderImp
 KNMIME_EXPORT bool operator!=(const KNMimeHeaderImp& a, const KNMimeHeaderImp& b);
 
 #endif

@@ -1,7 +1,8 @@
 #ifndef KN_MIME_KNMIMETEXTTYPE_H
 #define KN_MIME_KNMIMETEXTTYPE_H
 
-// A content type restricted to media type "text", with access to its charset.
+/// @class KNMimeTextType
+/// A content type restricted to media type "text", with access to its charset.
 
 #include <foundation/KNCString.h>
 #include <foundation/KNExport.h>
@@ -9,23 +10,25 @@
 
 class KNMIME_EXPORT KNMimeTextType : public KNMimeContentType {
 public:
-    static const KNCString Text;    // "text"
-    static const KNCString Plain;   // "plain"
-    static const KNCString Charset; // "charset"
+    static const KNCString Text;    ///< "text"
+    static const KNCString Plain;   ///< "plain"
+    static const KNCString Charset; ///< "charset"
 
-    // text/plain without parameters.
+    /// text/plain without parameters.
     KNMimeTextType();
-    // text/<subType>, with a charset parameter unless `charset` is empty.
+    /// text/`subType`, with a charset parameter unless `charset` is empty.
     KNMimeTextType(const KNCString& subType, const KNCString& charset);
-    // Shares the body of `type`; KNMimeError (INVALID_TYPE_CONVERSION) unless it is text.
+    /// Shares the body of `type`; KNMimeError (INVALID_TYPE_CONVERSION) unless it is text.
     KNMimeTextType(const KNMimeContentType& type);
+    /// Adopts the body; null gives an empty handle.
     explicit KNMimeTextType(KNMimeContentTypeImp* body);
 
-    // True for media type "text" (ignoring case), whatever the subtype.
+    /// True for media type "text" (ignoring case), whatever the subtype.
     bool checkType(const KNCString& mediaType, const KNCString& subType) const override;
 
+    /// The value of the charset parameter, empty when absent.
     KNCString getCharset() const;
-    // An empty value removes the charset.
+    /// An empty value removes the charset.
     void setCharset(const KNCString& charset);
 };
 

@@ -1,7 +1,8 @@
 #ifndef KN_MIME_KNMIMEVERSIONHEADERIMP_H
 #define KN_MIME_KNMIMEVERSIONHEADERIMP_H
 
-// Header body of a MIME-Version field: a major and a minor number, 1.0 when new.
+/// @class KNMimeVersionHeaderImp
+/// Header body of a MIME-Version field: a major and a minor number, 1.0 when new.
 
 #include <mime/KNMimeHeaderImp.h>
 
@@ -10,19 +11,24 @@ class KNMimeHeader;
 class KNMIME_EXPORT KNMimeVersionHeaderImp : public KNMimeHeaderImp {
 public:
     KNMimeVersionHeaderImp() = default;
+    /// A copy with the same label and version.
     KNMimeVersionHeaderImp(const KNMimeVersionHeaderImp& other) = default;
     ~KNMimeVersionHeaderImp() override;
 
+    /// A new header of this kind; the creator registered with the header factory.
     static KNMimeHeader make();
 
     KNCString getValueAsString() const override;
-    // Reads "major.minor" (comments allowed); a number read before a failure stays set.
+    /// Reads "major.minor" (comments allowed); a number read before a failure stays set.
     void setValueFromString(const KNCString& text) override;
     KNMimeVersionHeaderImp* copy() const override;
     bool compareValueTo(const KNMimeHeaderImp& other) const override;
 
+    /// The number before the dot.
     unsigned getMajorVersion() const { return majorVersion_; }
+    /// The number after the dot.
     unsigned getMinorVersion() const { return minorVersion_; }
+    /// Replaces the version.
     void setVersion(unsigned majorVersion, unsigned minorVersion)
     {
         majorVersion_ = majorVersion;

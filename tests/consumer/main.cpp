@@ -1,7 +1,11 @@
 // Parses and prints a small message through the installed library; exits non-zero on a mismatch.
+// Built by CI through find_package (CMakeLists.txt here) and with pkg-config's flags.
 #include <mime/KNMime.h>
 
 #include <iostream>
+
+static_assert(KNMIME_VERSION_MAJOR >= 0 && KNMIME_VERSION_MINOR >= 0 && KNMIME_VERSION_PATCH >= 0,
+              "the version header defines the version numbers");
 
 int main()
 {
@@ -20,7 +24,7 @@ int main()
         KNMimeMultipart multipart(message);
         const bool ok = multipart.getPartCount() == 1 && multipart.getPart(0).getBody() == "hello" &&
                         message.asString() == text;
-        std::cout << (ok ? "consumer: ok" : "consumer: mismatch") << '\n';
+        std::cout << (ok ? "consumer: ok" : "consumer: mismatch") << " (knmime " KNMIME_VERSION_STRING ")\n";
         return ok ? 0 : 1;
     } catch (const KNMimeError& e) {
         std::cerr << "consumer: " << e.why() << '\n';

@@ -21,27 +21,28 @@ namespace {
 
 using Kind = KNMimeDefect::Kind;
 
-// A label the printer accepts: not empty, no blank, colon, control character or DEL.
+// A field name as mail defines it: printable ASCII without blank or colon. (The printer would
+// take 8-bit bytes too; a name starting with a byte-order mark's bytes would then not read back.)
 bool isPrintableLabel(std::string_view label)
 {
     if (label.empty())
         return false;
     for (const char c : label) {
         const auto u = static_cast<unsigned char>(c);
-        if (u <= ' ' || u == 0x7f || c == ':')
+        if (u <= ' ' || u >= 0x7f || c == ':')
             return false;
     }
     return true;
 }
 
-// A printable label that reads the same once cleaned: no quote, comment or escape in it.
+// A field name that reads the same once cleaned: no quote, comment or escape in it.
 bool isPlainLabel(std::string_view label)
 {
     if (label.empty())
         return false;
     for (const char c : label) {
         const auto u = static_cast<unsigned char>(c);
-        if (u <= ' ' || u == 0x7f || c == ':' || c == '"' || c == '(' || c == ')' || c == '\\')
+        if (u <= ' ' || u >= 0x7f || c == ':' || c == '"' || c == '(' || c == ')' || c == '\\')
             return false;
     }
     return true;

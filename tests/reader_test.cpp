@@ -161,6 +161,7 @@ TEST(Reader, RepairsHeaderFieldsOneByOne)
                                                   "From someone else\n"
                                                   "X-Bin: a\x01\x80z\n"
                                                   "Bad Name: x\n"
+                                                  "N\xC3\xA4me: x\n"
                                                   "MIME-Version: one\n"
                                                   "Content-Type: text/plain; charset=utf-8;; name; =x; format=flowed\n"
                                                   "Content-Disposition: attachment; filename=\"a.txt\"; size\n"
@@ -170,12 +171,13 @@ TEST(Reader, RepairsHeaderFieldsOneByOne)
                                "! blank-before-colon . @0\n"
                                "! misplaced-from-line . @17\n"
                                "! invalid-header-name . @49\n"
-                               "! invalid-header-value . @62\n"
-                               "! invalid-parameter . @81\n"
-                               "! invalid-parameter . @81\n"
-                               "! invalid-parameter . @81\n"
-                               "! invalid-parameter . @148\n"
-                               "! header-without-colon . @205\n");
+                               "! invalid-header-name . @62\n"
+                               "! invalid-header-value . @72\n"
+                               "! invalid-parameter . @91\n"
+                               "! invalid-parameter . @91\n"
+                               "! invalid-parameter . @91\n"
+                               "! invalid-parameter . @158\n"
+                               "! header-without-colon . @215\n");
     const KNMimePart& message = result.getMessage();
     ASSERT_EQ(message.getHeaderCount(), 5U);
     EXPECT_EQ(message.getHeader(0).asString(), "Subject: hi");
@@ -183,8 +185,8 @@ TEST(Reader, RepairsHeaderFieldsOneByOne)
     EXPECT_EQ(message.getHeader(2).asString(), "MIME-Version: one");
     EXPECT_EQ(message.getHeader(3).asString(), "Content-Type: text/plain; charset=\"utf-8\"; format=\"flowed\"");
     EXPECT_EQ(message.getHeader(4).asString(), "Content-Disposition: attachment; filename=\"a.txt\"");
-    EXPECT_EQ(result.getDefects()[4].text, "parameter \"\" of Content-Type dropped");
-    EXPECT_EQ(result.getDefects()[5].text, "parameter \" name\" of Content-Type dropped");
+    EXPECT_EQ(result.getDefects()[5].text, "parameter \"\" of Content-Type dropped");
+    EXPECT_EQ(result.getDefects()[6].text, "parameter \" name\" of Content-Type dropped");
 
     // An unreadable Content-Type is kept as written and read as text/plain, even a multipart.
     const KNMimeReadResult broken = readText(crlf("Content-Type: multipart\nContent-Type: multipart/mixed; boundary=b\n\n--b\n"));

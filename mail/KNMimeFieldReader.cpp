@@ -48,11 +48,18 @@ bool isPlainLabel(std::string_view label)
     return true;
 }
 
+// A token as mail defines it. The library's own test stops at a NUL byte, so a name such as
+// "plain\0(x" would print and then read back as another value.
+bool isToken(const KNCString& text)
+{
+    return !text.empty() && text.find('\0') == KNCString::npos && KNMimeUtils::isToken(text);
+}
+
 template <class Type>
 bool hasTokenParameterNames(const Type& type)
 {
     for (std::size_t i = 0, n = type.getParameterCount(); i < n; ++i)
-        if (!KNMimeUtils::isToken(type.getParameter(i).getName()))
+        if (!isToken(type.getParameter(i).getName()))
             return false;
     return true;
 }
@@ -68,16 +75,16 @@ bool prints(const KNMimeHeader& header)
         return true;
     if (type == typeid(KNMimeContentTypeHeaderImp)) {
         const KNMimeContentType value = static_cast<const KNMimeContentTypeHeaderImp*>(body)->getContentType();
-        return KNMimeUtils::isToken(value.getMediaType()) && KNMimeUtils::isToken(value.getSubType()) &&
+        return isToken(value.getMediaType()) && isToken(value.getSubType()) &&
                hasTokenParameterNames(value);
     }
     if (type == typeid(KNMimeContentDispositionHeaderImp)) {
         const KNMimeContentDisposition value =
             static_cast<const KNMimeContentDispositionHeaderImp*>(body)->getContentDisposition();
-        return KNMimeUtils::isToken(value.getType()) && hasTokenParameterNames(value);
+        return isToken(value.getType()) && hasTokenParameterNames(value);
     }
     if (type == typeid(KNMimeContentTransferEncodingHeaderImp))
-        return KNMimeUtils::isToken(static_cast<const KNMimeContentTransferEncodingHeaderImp*>(body)->getEncoding());
+        return isToken(static_cast<const KNMimeContentTransferEncodingHeaderImp*>(body)->getEncoding());
     try {
         (void)header.asString();
         return true;
@@ -171,7 +178,7 @@ std::optional<KNMimeHeader> salvageParameters(const KNCString& label, const KNCS
             break; // a trailing ";" adds nothing
         const std::vector<std::string_view> sides = splitOutsideQuotes(piece, '=');
         const KNCString name = sides.size() >= 2 ? clean(sides[0]) : KNCString();
-        if (!KNMimeUtils::isToken(name)) {
+        if (!isToken(name)) {
             dropped.push_back(KNMimeFieldReader::excerpt(piece));
             continue;
         }

@@ -193,6 +193,10 @@ TEST(Reader, RepairsHeaderFieldsOneByOne)
     EXPECT_EQ(outline(broken), ". raw \"--b|\"\n! invalid-content-type . @0\n");
     EXPECT_EQ(broken.getMessage().getHeader(0).asString(), "Content-Type: multipart");
     expectStable(broken);
+    // A NUL ends the library's token test early; such a name must not pass for a token.
+    const KNMimeReadResult nul = readText(KNCString("Content-Type: text/x\0(y)\r\n\r\nb", 29));
+    EXPECT_EQ(outline(nul), ". raw \"b\"\n! invalid-content-type . @0\n");
+    expectStable(nul);
     // A message of headers only, and a first line that only continues.
     EXPECT_EQ(outline(readText(crlf("A: 1\n  folded\nB: 2"))), ". - \"\"\n");
     EXPECT_EQ(outline(readText(crlf(" lost\nA: 1\n\nx"))), ". - \"x\"\n! continuation-without-header . @0\n");

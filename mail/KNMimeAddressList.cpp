@@ -145,10 +145,18 @@ KNCString addressText(const std::vector<const Token*>& tokens)
     return out;
 }
 
-bool isCompleteAddress(const KNCString& address)
+// True when the tokens hold a local part, an '@' outside quotes, then a domain.
+bool isCompleteAddress(const std::vector<const Token*>& tokens)
 {
-    const std::size_t at = address.rfind('@');
-    return at != KNCString::npos && at > 0 && at + 1 < address.size();
+    std::size_t at = tokens.size();
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        if (tokens[i]->is('@'))
+            at = i;
+    }
+    if (at == 0 || at + 1 >= tokens.size())
+        return false;
+    const Token::Kind domain = tokens[at + 1]->kind;
+    return domain == Token::Kind::Atom || domain == Token::Kind::DomainLiteral;
 }
 
 // The reading of one list: the tokens of the current mailbox and the group around it.
@@ -193,6 +201,10 @@ public:
                     continue;
                 }
             }
+            if (token.is(',') && inAngle_ && !isRoute()) {
+                finishMailbox(); // a '>' was forgotten: the comma still ends the mailbox
+                continue;
+            }
             if (token.is('>') && inAngle_) {
                 note(token);
                 inAngle_ = false;
@@ -202,7 +214,7 @@ public:
             if (inAngle_) {
                 if (token.is(':'))
                     angle_.clear(); // an obsolete route "@a,@b:" ends here
-                else
+                else if (!token.is(','))
                     angle_.push_back(&token);
             } else if (!sawAngle_) {
                 phrase_.push_back(&token);
@@ -221,6 +233,9 @@ private:
         }
         return false;
     }
+
+    // True while the angle brackets hold an obsolete route ("@a,@b:") not yet ended by ':'.
+    bool isRoute() const { return !angle_.empty() && angle_.front()->is('@'); }
 
     void note(const Token& token)
     {
@@ -246,23 +261,20 @@ private:
             clear();
             return;
         }
-        KNCString name;
-        KNCString address;
-        if (sawAngle_) {
-            name = phraseText(phrase_);
-            address = addressText(angle_);
-            if (inAngle_)
-                problems_.push_back("missing '>' in: " + KNCString(text_.substr(begin_, end_ - begin_)));
+        const std::vector<const Token*>& spec = sawAngle_ ? angle_ : phrase_;
+        const KNCString raw(text_.substr(begin_, end_ - begin_));
+        if (!isCompleteAddress(spec)) {
+            problems_.push_back("not an address: " + raw);
         } else {
-            address = addressText(phrase_);
-            if (!comments_.empty())
+            if (sawAngle_ && inAngle_)
+                problems_.push_back("missing '>' in: " + raw);
+            KNCString name;
+            if (sawAngle_)
+                name = phraseText(phrase_);
+            else if (!comments_.empty())
                 name = KNMimeHeaderText::decode(comments_.back()->text);
-        }
-        if (isCompleteAddress(address)) {
-            addresses_.emplace_back(name, address, group_);
+            addresses_.emplace_back(name, addressText(spec), group_);
             ++groupCount_;
-        } else {
-            problems_.push_back("not an address: " + KNCString(text_.substr(begin_, end_ - begin_)));
         }
         clear();
     }

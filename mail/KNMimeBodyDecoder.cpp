@@ -6,6 +6,7 @@
 #include <mime/KNMimePart.h>
 
 #include <cstdint>
+#include <cstring>
 
 namespace {
 
@@ -153,17 +154,22 @@ KNCString KNMimeBodyDecoder::decodeQuotedPrintable(std::string_view text)
         const bool softBreak = contentEnd > pos && text[contentEnd - 1] == '=';
         if (softBreak)
             --contentEnd;
-        for (std::size_t i = pos; i < contentEnd; ++i) {
-            const char c = text[i];
-            if (c == '=' && contentEnd - i >= 3) {
-                const int hi = hexValue(text[i + 1]), lo = hexValue(text[i + 2]);
-                if (hi >= 0 && lo >= 0) {
-                    out += static_cast<char>(hi << 4 | lo);
-                    i += 2;
-                    continue;
-                }
+        for (std::size_t i = pos; i < contentEnd;) {
+            const void* found = std::memchr(text.data() + i, '=', contentEnd - i);
+            const std::size_t eq = found == nullptr ? contentEnd
+                                                    : static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
+            out.append(text.data() + i, eq - i);
+            if (eq == contentEnd)
+                break;
+            const int hi = contentEnd - eq >= 3 ? hexValue(text[eq + 1]) : -1;
+            const int lo = contentEnd - eq >= 3 ? hexValue(text[eq + 2]) : -1;
+            if (hi >= 0 && lo >= 0) {
+                out += static_cast<char>(hi << 4 | lo);
+                i = eq + 3;
+            } else {
+                out += '='; // an invalid escape stays as it stands
+                i = eq + 1;
             }
-            out += c; // an invalid escape stays as it stands
         }
         if (hasBreak && !softBreak)
             out.append(crlf ? "\r\n" : "\n");

@@ -2,6 +2,7 @@
 
 #include <mail/KNMimeHeaderText.h>
 #include <mail/KNMimeMessageView.h>
+#include <mail/internal/KNMimeMailScan.h>
 #include <mime/KNMimeUtils.h>
 
 #include <algorithm>
@@ -9,10 +10,7 @@
 
 namespace {
 
-bool isSpace(char c) noexcept
-{
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
+using KNMimeMailScan::isSpace;
 
 bool isSpecial(char c) noexcept
 {

@@ -3,12 +3,16 @@
 #include <mail/KNMimeCharset.h>
 #include <mail/KNMimeExtendedParameters.h>
 #include <mail/KNMimeMessageView.h>
+#include <mail/internal/KNMimeMailScan.h>
 #include <mime/KNMimePart.h>
 
 #include <cstdint>
 #include <cstring>
 
 namespace {
+
+using KNMimeMailScan::hexValue;
+using KNMimeMailScan::isBlank;
 
 constexpr unsigned char base64Skip = 0x80;
 constexpr unsigned char base64Pad = 0x81;
@@ -29,22 +33,6 @@ struct Base64Table {
 };
 
 constexpr Base64Table base64;
-
-int hexValue(char c) noexcept
-{
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    return -1;
-}
-
-bool isBlank(char c) noexcept
-{
-    return c == ' ' || c == '\t';
-}
 
 // The name with comments, quotes, blanks, '-' and '_' removed and letters lower-cased.
 KNCString squeezedName(std::string_view name)

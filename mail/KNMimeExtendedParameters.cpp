@@ -2,15 +2,14 @@
 
 #include <mail/KNMimeCharset.h>
 #include <mail/KNMimeHeaderText.h>
+#include <mail/internal/KNMimeMailScan.h>
 
 #include <algorithm>
 
 namespace {
 
-bool isSpace(char c) noexcept
-{
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
+using KNMimeMailScan::hexValue;
+using KNMimeMailScan::isSpace;
 
 std::string_view trimmed(std::string_view text)
 {
@@ -19,17 +18,6 @@ std::string_view trimmed(std::string_view text)
     while (!text.empty() && isSpace(text.back()))
         text.remove_suffix(1);
     return text;
-}
-
-int hexValue(char c) noexcept
-{
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    return -1;
 }
 
 // %XX escapes decoded; a '%' without two hex digits is kept.

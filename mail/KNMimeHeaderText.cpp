@@ -2,36 +2,20 @@
 
 #include <mail/KNMimeBodyDecoder.h>
 #include <mail/KNMimeCharset.h>
+#include <mail/internal/KNMimeMailScan.h>
 #include <mime/KNMimeUtils.h>
 
 #include <algorithm>
 
 namespace {
 
+using KNMimeMailScan::hexValue;
+using KNMimeMailScan::isBlank;
+using KNMimeMailScan::isLineBreak;
+
 constexpr std::size_t wordLimit = 75;
 constexpr std::string_view wordPrefixB = "=?UTF-8?B?";
 constexpr std::string_view wordPrefixQ = "=?UTF-8?Q?";
-
-bool isBlank(char c) noexcept
-{
-    return c == ' ' || c == '\t';
-}
-
-bool isLineBreak(char c) noexcept
-{
-    return c == '\r' || c == '\n';
-}
-
-int hexValue(char c) noexcept
-{
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    return -1;
-}
 
 // The payload of a Q word: '_' is a blank, =XX a byte, an invalid escape stays as written.
 KNCString decodedQ(std::string_view text)

@@ -170,9 +170,8 @@ KNCString KNMimeBodyDecoder::decodeUUEncode(std::string_view text)
 {
     KNCString out;
     out.reserve(text.size() / 4 * 3);
+    // Data starts after the first line beginning "begin "; without one every line is data.
     std::size_t pos = 0;
-    bool inData = true;
-    // With a begin line, data starts after it; without one every line is read as data.
     for (std::size_t scan = 0; scan < text.size();) {
         std::size_t lineEnd = text.find('\n', scan);
         if (lineEnd == std::string_view::npos)
@@ -181,13 +180,9 @@ KNCString KNMimeBodyDecoder::decodeUUEncode(std::string_view text)
             pos = lineEnd + 1;
             break;
         }
-        if (text.find_first_not_of(" \t\r", scan) < lineEnd) {
-            inData = true; // the first non-blank line is not a begin line: no header
-            break;
-        }
         scan = lineEnd + 1;
     }
-    while (inData && pos < text.size()) {
+    while (pos < text.size()) {
         std::size_t lineEnd = text.find('\n', pos);
         if (lineEnd == std::string_view::npos)
             lineEnd = text.size();

@@ -187,7 +187,7 @@ bool zoneOf(std::string_view word, int& minutes) noexcept
 KNMimeDate::KNMimeDate() = default;
 
 KNMimeDate::KNMimeDate(TimePoint time, int offsetMinutes)
-    : time_(std::chrono::time_point_cast<std::chrono::seconds>(time)), offset_(std::clamp(offsetMinutes, -1439, 1439))
+    : time_(std::chrono::floor<std::chrono::seconds>(time)), offset_(std::clamp(offsetMinutes, -1439, 1439))
 {
 }
 

@@ -236,6 +236,7 @@ TEST(BodyDecoder, QuotedPrintableUUEncodeAndNames)
     EXPECT_EQ(KNMimeBodyDecoder::decodeUUEncode("begin 644 hi.txt\r\n,:&5L;&\\L('=O<FQD\r\n`\r\nend\r\n"),
               "hello, world");
     EXPECT_EQ(KNMimeBodyDecoder::decodeUUEncode(",:&5L;&\\L('=O<FQD\n"), "hello, world");
+    EXPECT_EQ(KNMimeBodyDecoder::decodeUUEncode("Here it is:\n\nbegin 600 a\n#86)C\n`\nend\ntrailer\n"), "abc");
 
     using E = KNMimeBodyDecoder::Encoding;
     EXPECT_EQ(KNMimeBodyDecoder::encodingByName("7-bit"), E::Identity);

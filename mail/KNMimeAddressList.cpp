@@ -143,18 +143,20 @@ KNCString addressText(const std::vector<const Token*>& tokens)
     return out;
 }
 
-// True when the tokens hold a local part, an '@' outside quotes, then a domain.
+// True when the tokens are a local part (words), one '@' outside quotes, then a domain
+// (atoms or domain literals).
 bool isCompleteAddress(const std::vector<const Token*>& tokens)
 {
-    std::size_t at = tokens.size();
-    for (std::size_t i = 0; i < tokens.size(); ++i) {
-        if (tokens[i]->is('@'))
-            at = i;
-    }
-    if (at == 0 || at + 1 >= tokens.size())
+    std::size_t at = 0;
+    while (at < tokens.size() && (tokens[at]->kind == Token::Kind::Atom || tokens[at]->kind == Token::Kind::Quoted))
+        ++at;
+    if (at == 0 || at + 1 >= tokens.size() || !tokens[at]->is('@'))
         return false;
-    const Token::Kind domain = tokens[at + 1]->kind;
-    return domain == Token::Kind::Atom || domain == Token::Kind::DomainLiteral;
+    for (std::size_t i = at + 1; i < tokens.size(); ++i) {
+        if (tokens[i]->kind != Token::Kind::Atom && tokens[i]->kind != Token::Kind::DomainLiteral)
+            return false;
+    }
+    return true;
 }
 
 // The reading of one list: the tokens of the current mailbox and the group around it.
@@ -281,7 +283,7 @@ private:
     {
         if (!inGroup_)
             return;
-        if (groupCount_ == 0)
+        if (groupCount_ == 0 && !group_.empty())
             addresses_.emplace_back("", "", group_);
         inGroup_ = false;
         group_.clear();
@@ -341,12 +343,16 @@ KNCString KNMimeAddressList::encode() const
             ++i;
             continue;
         }
+        // Consecutive members of one group share "Group: ...;"; an empty group stands alone.
         const KNCString& group = first.getGroup();
         out += KNMimeHeaderText::encodePhrase(group) + ":";
-        bool firstMember = true;
-        for (; i < addresses_.size() && addresses_[i].getGroup() == group; ++i) {
-            if (addresses_[i].getAddress().empty())
-                continue;
+        if (first.getAddress().empty()) {
+            out += ';';
+            ++i;
+            continue;
+        }
+        for (bool firstMember = true;
+             i < addresses_.size() && addresses_[i].getGroup() == group && !addresses_[i].getAddress().empty(); ++i) {
             out += firstMember ? " " : ", ";
             out += addresses_[i].encode();
             firstMember = false;

@@ -50,7 +50,8 @@ public:
     bool isComplete() const { return problems_.empty(); }
 
     /// The list as a header value: mailboxes as KNMimeAddress::encode writes them, separated by
-    /// ", "; consecutive mailboxes of one group written as "Group: a, b;".
+    /// ", "; consecutive mailboxes of one group written as "Group: a, b;", an empty group as
+    /// "Group:;". parse() reads it back equal.
     KNCString encode() const;
 
 private:

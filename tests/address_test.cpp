@@ -81,6 +81,10 @@ TEST(AddressList, WrittenListsReadBackEqual)
     EXPECT_EQ(list.encode(), "=?UTF-8?Q?J=C3=BCrgen?= <j@example.de>, Friends: \"Doe, Jane\" <jane@example.com>,"
                              " bob@example.com;, Nobody:;, last@example.com");
     EXPECT_EQ(KNMimeAddressList::parse(list.encode()), list);
+    // Two empty groups of one name stay two; a nameless empty group is nothing.
+    const KNMimeAddressList twice = KNMimeAddressList::parse("G:;, G:;, :;");
+    EXPECT_EQ(listed(twice), "[G||][G||]");
+    EXPECT_EQ(twice.encode(), "G:;, G:;");
 
     static const char* const names[] = {"Ann", "Doe, Jane", "J\xC3\xBCrgen M\xC3\xBCller", "\"Q\" \\ (x)",
                                         "\xE5\xB1\xB1\xE7\x94\xB0 \xE5\xA4\xAA\xE9\x83\x8E", "a  b", "=?x?q?y?=",

@@ -393,4 +393,38 @@ TEST(MessageView, DeepTreesWalkedWithoutRecursion)
     EXPECT_EQ(view.mainText(), std::nullopt); // deeper than the search goes
 }
 
+TEST(MailLayer, AnyInputGivesUtf8AndWritesReadBack)
+{
+    // Texts built from the pieces that steer the readers: encoded-word marks, RFC 2231 marks,
+    // quotes, comments, angle brackets, separators, line breaks and 8-bit bytes.
+    static const char* const pieces[] = {"=?", "?=", "?q?", "?B?", "utf-8", "iso-8859-1", "'", "%", "%C3", "*",
+                                         "*0*", ";", "=", "\"", "\\", "(", ")", "<", ">", "@", ",", ":", " ",
+                                         "\r\n ", "a", "\xC3", "\xBC", "\xFF", "_", "x.y", "[", "]", "Mon", "12",
+                                         "Nov", "2026", "10:00", "+0100", "begin ", "\n"};
+    std::mt19937 rng(822);
+    std::uniform_int_distribution<std::size_t> pick(0, std::size(pieces) - 1);
+    for (int round = 0; round < 3000; ++round) {
+        KNCString text;
+        for (int n = round % 30; n > 0; --n)
+            text += pieces[pick(rng)];
+        ASSERT_TRUE(KNMimeCharset::isValidUtf8(KNMimeHeaderText::decode(text))) << text;
+        if (KNMimeCharset::isValidUtf8(text)) {
+            ASSERT_EQ(KNMimeHeaderText::decode(KNMimeHeaderText::encode(text)), text);
+        }
+        const KNMimeExtendedParameters p = KNMimeExtendedParameters::fromHeaderValue(text);
+        for (std::size_t i = 0; i < p.getCount(); ++i)
+            ASSERT_TRUE(KNMimeCharset::isValidUtf8(p.get(p.getRaw(i).first).value_or("\xFF"))) << text;
+        const KNMimeAddressList list = KNMimeAddressList::parse(text);
+        for (const KNMimeAddress& a : list)
+            ASSERT_TRUE(KNMimeCharset::isValidUtf8(a.getName() + a.getGroup())) << text;
+        ASSERT_TRUE(KNMimeAddressList::parse(list.encode()) == list) << text << "\n" << list.encode();
+        if (const auto date = KNMimeDate::parse(text)) {
+            ASSERT_EQ(KNMimeDate::parse(date->asString()), date) << text;
+        }
+        (void)KNMimeBodyDecoder::decodeBase64(text);
+        (void)KNMimeBodyDecoder::decodeQuotedPrintable(text);
+        (void)KNMimeBodyDecoder::decodeUUEncode(text);
+    }
+}
+
 } // namespace

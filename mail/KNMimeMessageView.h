@@ -76,7 +76,8 @@ public:
     void setNestedMessageOpener(NestedMessageOpener opener);
 
     /// Every part depth first, the message first, each with its path. Deep trees are walked
-    /// without recursion; nested messages are opened at most 32 levels deep.
+    /// without recursion; nested messages are opened at most 32 levels deep. What the opener
+    /// throws is passed on.
     std::vector<Entry> walk() const;
     /// The part holding the main text, chosen as mail readers do: in multipart/alternative the
     /// last part of the preferred type, in multipart/related the start part, in other

@@ -1,0 +1,21 @@
+// Prints the text of a message in UTF-8 (its plain text, or its HTML when it has no plain text).
+//
+//     knmime_read_text examples/sample.eml
+
+#include <mail/KNMimeMail.h>
+
+#include <fstream>
+#include <iostream>
+#include <sstream>
+
+int main(int argc, char* argv[])
+{
+    std::ifstream file(argc > 1 ? argv[1] : "", std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    // readme: read-text
+    const KNMimePart message = KNMimeReader().read(text.str()).getMessage(); // LF or CRLF, never throws
+
+    std::cout << KNMimeMessageView(message).mainText().value_or("(no text)") << '\n';
+    // readme: end
+}

@@ -34,7 +34,7 @@ struct KNMIME_EXPORT KNMimeDefect {
         DoubledDelimiter,         ///< "doubled-delimiter": a delimiter line right after another, the empty part skipped
         EpilogueDropped,          ///< "epilogue-dropped": text after a closing delimiter, not kept
         NestingTooDeep,           ///< "nesting-too-deep": nesting past the limit, the deeper text kept as a leaf's body
-        UndecodableMessage,       ///< "undecodable-message": an attached message whose transfer encoding cannot be undone
+        UndecodableMessage,       ///< "undecodable-message": an attached message in an unknown transfer encoding, read as stored
     };
 
     Kind kind;          ///< what went wrong

@@ -3,6 +3,7 @@
 #include <foundation/KNxmsg.h>
 #include <mail/internal/KNMimeFieldReader.h>
 #include <mail/internal/KNMimeStoredText.h>
+#include <mail/KNMimeBodyDecoder.h>
 #include <mail/KNMimeReader.h>
 #include <mime/KNMimeContentType.h>
 #include <mime/KNMimeContentTypeHeader.h>
@@ -524,15 +525,16 @@ void KNMimeStructureReader::openAttachedMessage(const KNMimePart& leaf, std::str
         report(Kind::NestingTooDeep, path, bodyStart, "attached message deeper than 128 levels not opened");
         return;
     }
+    // Undone the forgiving way, as a mail reader would: only an encoding name nobody knows
+    // leaves the text as stored (and is reported).
     const KNCString encoding = transferEncodingOf(leaf);
-    if (encoding == "base64" || encoding == "quoted-printable") {
-        KNCString decoded;
-        try {
-            decoded = KNMimeUtils::decode(KNCString(body), encoding);
-        } catch (const KNxmsg& e) {
-            report(Kind::UndecodableMessage, path, bodyStart, "attached message not opened: " + e.why());
-            return;
-        }
+    const KNMimeBodyDecoder::Encoding kind = KNMimeBodyDecoder::encodingByName(encoding);
+    if (kind == KNMimeBodyDecoder::Encoding::Unknown)
+        report(Kind::UndecodableMessage, path, bodyStart,
+               "attached message in the unknown transfer encoding \"" + KNMimeFieldReader::excerpt(encoding) +
+                   "\" read as stored");
+    if (kind != KNMimeBodyDecoder::Encoding::Identity && kind != KNMimeBodyDecoder::Encoding::Unknown) {
+        const KNCString decoded = KNMimeBodyDecoder::decode(body, encoding).data;
         const std::size_t offset = toInput_(bodyStart);
         readStored(decoded, [offset](std::size_t) { return offset; }, messagePath, levels, openAttachedMessages_,
                    output_);

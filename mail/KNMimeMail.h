@@ -13,6 +13,7 @@
 #include <mail/KNMimeExtendedParameters.h>
 #include <mail/KNMimeHeaderText.h>
 #include <mail/KNMimeMbox.h>
+#include <mail/KNMimeMessageBuilder.h>
 #include <mail/KNMimeMessageView.h>
 #include <mail/KNMimeReader.h>
 #include <mime/KNMime.h>

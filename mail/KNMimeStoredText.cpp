@@ -18,19 +18,20 @@ bool isAllCrlf(std::string_view s)
     const std::size_t n = s.size();
     if (n == 0)
         return true;
-    // The first and the last byte lack a neighbour on one side; the loop takes the rest.
-    if (b[0] == '\n' || b[n - 1] == '\r' || (b[0] == '\r' && (n == 1 || b[1] != '\n')))
+    if (b[0] == '\n' || b[n - 1] == '\r')
         return false;
+    // A CR at i and an LF at i + 1 go together: every CR is followed by an LF and every LF
+    // (past the first byte) follows a CR exactly when no position has one without the other.
     constexpr std::size_t block = 1 << 12;
-    for (std::size_t begin = 1; begin + 1 < n; begin += block) {
+    for (std::size_t begin = 0; begin + 1 < n; begin += block) {
         const std::size_t end = std::min(n - 1, begin + block);
         unsigned char bad = 0;
         for (std::size_t i = begin; i < end; ++i)
-            bad |= static_cast<unsigned char>(((b[i] == '\n') & (b[i - 1] != '\r')) | ((b[i] == '\r') & (b[i + 1] != '\n')));
+            bad |= static_cast<unsigned char>((b[i] == '\r') ^ (b[i + 1] == '\n'));
         if (bad != 0)
             return false;
     }
-    return n < 2 || b[n - 1] != '\n' || b[n - 2] == '\r';
+    return true;
 }
 
 } // namespace

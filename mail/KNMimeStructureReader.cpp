@@ -2,8 +2,10 @@
 
 #include <foundation/KNxmsg.h>
 #include <mail/internal/KNMimeFieldReader.h>
+#include <mail/internal/KNMimeMailScan.h>
 #include <mail/internal/KNMimeStoredText.h>
 #include <mail/KNMimeBodyDecoder.h>
+#include <mail/KNMimeExtendedParameters.h>
 #include <mail/KNMimeReader.h>
 #include <mime/KNMimeContentType.h>
 #include <mime/KNMimeContentTypeHeader.h>
@@ -15,7 +17,6 @@
 #include <mime/KNMimeUtils.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cstring>
 #include <string>
 #include <utility>
@@ -26,11 +27,6 @@ namespace {
 
 constexpr std::string_view crlf = "\r\n";
 constexpr std::size_t npos = std::string_view::npos;
-
-bool isBlank(char c)
-{
-    return c == ' ' || c == '\t';
-}
 
 bool isBlankText(std::string_view text)
 {
@@ -55,48 +51,6 @@ struct MediaType {
     bool extendedBoundary = false;
 };
 
-// The boundary written only in the extended form: boundary*=charset'lang'value or the
-// numbered pieces boundary*0, boundary*1*, ..., joined in order; %XX escapes decoded in the
-// pieces marked with a final "*".
-KNCString extendedBoundary(const KNMimeContentType& type)
-{
-    const auto percentDecoded = [](const KNCString& value) {
-        KNCString out;
-        for (std::size_t i = 0; i < value.size(); ++i) {
-            if (value[i] == '%' && i + 2 < value.size() && std::isxdigit(static_cast<unsigned char>(value[i + 1])) &&
-                std::isxdigit(static_cast<unsigned char>(value[i + 2]))) {
-                out += static_cast<char>(std::stoi(value.substr(i + 1, 2), nullptr, 16));
-                i += 2;
-            } else {
-                out += value[i];
-            }
-        }
-        return out;
-    };
-    const auto withoutCharset = [](const KNCString& value) {
-        const std::size_t first = value.find('\'');
-        const std::size_t second = first == KNCString::npos ? KNCString::npos : value.find('\'', first + 1);
-        return second == KNCString::npos ? value : value.substr(second + 1);
-    };
-    const std::size_t whole = type.findParameter("boundary*", 0);
-    if (whole != KNCString::npos)
-        return percentDecoded(withoutCharset(type.getParameter(whole).getValue()));
-    KNCString joined;
-    for (unsigned n = 0; n < 64; ++n) {
-        const KNCString name = "boundary*" + std::to_string(n);
-        const std::size_t plain = type.findParameter(name, 0);
-        const std::size_t encoded = type.findParameter(name + "*", 0);
-        if (plain != KNCString::npos)
-            joined += type.getParameter(plain).getValue();
-        else if (encoded != KNCString::npos)
-            joined += percentDecoded(n == 0 ? withoutCharset(type.getParameter(encoded).getValue())
-                                            : type.getParameter(encoded).getValue());
-        else
-            break;
-    }
-    return joined;
-}
-
 // The media type of the first Content-Type header; `fallback` when there is none, text/plain
 // when it was kept as text because it could not be read.
 MediaType mediaTypeOf(const std::vector<KNMimeHeader>& headers, std::size_t contentType, const char* fallbackType,
@@ -113,7 +67,9 @@ MediaType mediaTypeOf(const std::vector<KNMimeHeader>& headers, std::size_t cont
         return media;
     media.boundary = type.getParameterValue("boundary", 0);
     if (media.boundary.empty()) {
-        media.boundary = extendedBoundary(type);
+        // Only in the extended form (boundary*= or boundary*0*= ...): read the way every
+        // extended parameter is read.
+        media.boundary = KNMimeExtendedParameters::fromHeaderValue(typed->getValueAsString()).get("boundary").value_or("");
         // Decoding can give any byte; a boundary must print on a line of its own.
         const bool printable =
             std::all_of(media.boundary.begin(), media.boundary.end(), [](char c) { return c >= ' ' && c < 0x7f; });
@@ -319,7 +275,7 @@ KNMimeStructureReader::Head KNMimeStructureReader::readHead(std::size_t pos, con
             head.doubledDelimiter = !line.empty() && p == pos && !atRoot;
             return head;
         }
-        if (isBlank(line[0])) {
+        if (KNMimeMailScan::isBlank(line[0])) {
             if (field != npos)
                 fieldEnd = end;
             else
@@ -355,7 +311,7 @@ void KNMimeStructureReader::addField(std::size_t start, std::size_t end, const K
         // Compared on the text, which spares a copy of every label; names holding quotes or
         // comments, cleaned by the header, are asked for theirs.
         std::string_view label = field.substr(0, field.find(':'));
-        while (!label.empty() && isBlank(label.back()))
+        while (!label.empty() && KNMimeMailScan::isBlank(label.back()))
             label.remove_suffix(1);
         const bool plain = label.find_first_of("\"(") == npos;
         if (plain ? knEqualsIgnoreCase(label, KNMimeContentTypeHeader::Label)

@@ -13,7 +13,6 @@
 namespace {
 
 constexpr std::size_t headerLineLimit = 78;
-constexpr std::size_t lineLimit = 998;
 
 // One entity as text: its header lines (each ending CRLF) and its body.
 struct Entity {

@@ -19,6 +19,7 @@
 #include <fstream>
 #include <iterator>
 #include <random>
+#include <thread>
 
 namespace {
 
@@ -426,4 +427,23 @@ TEST(Reader, AgreesWithTheStrictParserOnTheProjectsSampleMessages)
         }
     }
     EXPECT_GE(compared, 2);
+}
+
+TEST(Reader, OneReaderServesSeveralThreads)
+{
+    const KNCString text = crlf("Content-Type: multipart/mixed; boundary=b\n\n--b \nX: 1\n\none\n--b\n"
+                                "Content-Type: message/rfc822\n\nSubject: in\n\ntwo\n");
+    const KNMimeReader reader;
+    const KNCString expected = outline(reader.read(text));
+    std::vector<std::thread> threads;
+    std::vector<KNCString> outlines(4);
+    for (std::size_t t = 0; t < outlines.size(); ++t)
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < 50; ++i)
+                outlines[t] = outline(reader.read(text));
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    for (const KNCString& seen : outlines)
+        EXPECT_EQ(seen, expected);
 }

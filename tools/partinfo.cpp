@@ -1,72 +1,83 @@
 #include "partinfo.h"
 
+#include "mailinput.h"
+
+#include <mail/KNMimeMail.h>
+
+#include <algorithm>
+#include <cctype>
+
 namespace {
 
-bool isEncodedWord(const KNCString& piece)
+KNCString lowerCase(KNCString text)
 {
-    return piece.size() >= 4 && piece.compare(0, 2, "=?") == 0 && piece.compare(piece.size() - 2, 2, "?=") == 0;
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return text;
 }
 
-// A word that does not decode is shown as it stands, as mail readers do, rather than
-// failing the whole value.
-KNCString decodedWord(const KNCString& word)
+bool isParameterHeader(const KNCString& label)
 {
-    try {
-        KNCString charset;
-        return KNMimeUtils::headerDecode(word, charset);
-    } catch (const KNMimeError&) {
-        return word;
+    return knEqualsIgnoreCase(label, "Content-Type") || knEqualsIgnoreCase(label, "Content-Disposition");
+}
+
+// The name an RFC 2231 section is a piece of: "name" for "name*1*", "name*" and "name".
+KNCString parameterName(const KNCString& written)
+{
+    return lowerCase(written.substr(0, written.find('*')));
+}
+
+// "value; name="decoded"; ..." with each parameter once, continuations joined.
+KNCString decodedParameters(const KNCString& value)
+{
+    const KNMimeExtendedParameters parameters = KNMimeExtendedParameters::fromHeaderValue(value);
+    KNCString text = parameters.getValue();
+    KNCStringList done;
+    for (std::size_t i = 0; i < parameters.getCount(); ++i) {
+        const KNCString name = parameterName(parameters.getRaw(i).first);
+        if (std::find(done.begin(), done.end(), name) != done.end())
+            continue;
+        done.push_back(name);
+        text += "; " + name + "=\"" + parameters.get(name).value_or(KNCString()) + '"';
     }
+    return text;
 }
 
 } // namespace
 
-KNCString mediaTypeOf(const KNMimePart& part)
+const char* const SummaryHeaders[4] = {"From", "To", "Date", "Subject"};
+
+PartSummary summarize(const KNMimePart& part, bool withSize)
 {
-    const auto header = firstHeader<KNMimeContentTypeHeader>(part);
-    if (!header)
-        return "text/plain";
-    const KNMimeContentType type = header->getContentType();
-    return type.getMediaType() + '/' + type.getSubType();
+    PartSummary summary;
+    summary.type = KNMimeMessageView::mediaType(part);
+    if (const auto contentType = KNMimeMessageView::header(part, "Content-Type"))
+        summary.charset = KNMimeExtendedParameters::fromHeaderValue(*contentType).get("charset");
+    if (const auto encoding = KNMimeMessageView::header(part, "Content-Transfer-Encoding"))
+        summary.encoding = lowerCase(*encoding);
+    KNCString disposition = KNMimeMessageView::disposition(part);
+    if (!disposition.empty())
+        summary.disposition = std::move(disposition);
+    summary.filename = KNMimeMessageView::filename(part);
+    if (withSize && !part.isMultipart())
+        summary.size = KNMimeBodyDecoder::decode(part).data.size();
+    return summary;
 }
 
-KNCString transferEncodingOf(const KNMimePart& part)
+KNCString decodedHeaderLine(const KNMimeHeader& header)
 {
-    const auto header = firstHeader<KNMimeContentTransferEncodingHeader>(part);
-    return header ? header->getEncoding() : KNMimeUtils::SevenBit;
+    const KNCString line = KNMimeUtils::unfoldAndTrim(header.asString());
+    const std::size_t colon = line.find(':');
+    if (colon == KNCString::npos)
+        return line;
+    const KNCString label = line.substr(0, colon);
+    const KNCString value = KNMimeUtils::unfoldAndTrim(line.substr(colon + 1));
+    return label + ": " + (isParameterHeader(label) ? decodedParameters(value) : KNMimeHeaderText::decode(value));
 }
 
-KNCString decodedBodyOf(const KNMimePart& part)
+KNCString describeDefect(const KNMimeDefect& defect)
 {
-    return KNMimeUtils::decode(part.getBody(), transferEncodingOf(part));
-}
-
-KNCString filenameOf(const KNMimePart& part)
-{
-    KNCString name;
-    if (const auto disposition = firstHeader<KNMimeContentDispositionHeader>(part))
-        name = disposition->getContentDisposition().getFilename();
-    if (name.empty()) {
-        if (const auto type = firstHeader<KNMimeContentTypeHeader>(part))
-            name = type->getContentType().getParameterValue("name");
-    }
-    return decodeEncodedWords(name);
-}
-
-KNCString decodeEncodedWords(const KNCString& value)
-{
-    // tokenizeHeader drops a final plain run of exactly one byte, so a one-character value such
-    // as the file name "a" would come back empty. The value goes in with one blank appended,
-    // which ends the last plain run (or is dropped after a final encoded word) and is taken
-    // off again below.
-    const KNCStringList pieces = KNMimeUtils::tokenizeHeader(value + ' ', false);
-    KNCString text;
-    text.reserve(value.size());
-    // Only encoded words go to headerDecode, which looks for a word anywhere in its argument
-    // and drops the text around it.
-    for (const KNCString& piece : pieces)
-        text += isEncodedWord(piece) ? decodedWord(piece) : piece;
-    if (!pieces.empty() && !isEncodedWord(pieces.back()))
-        text.pop_back();
-    return text;
+    const KNCString part = defect.path.empty() ? KNCString("the message") : "part " + defect.path;
+    return "defect in " + part + ": " + defect.kindName() + " at byte " +
+           std::to_string(defect.offset) + ": " + defect.text;
 }

@@ -72,9 +72,11 @@ void printTree(const Mail& mail, bool withDefects)
     printHeading(mail);
     const KNMimePart& message = mail.result.getMessage();
     bool anyHeader = false;
-    for (const char* label : SummaryHeaders) {
-        if (const auto value = KNMimeMessageView::headerText(message, label)) {
-            std::cout << label << ':' << KNCString(8 - std::char_traits<char>::length(label), ' ') << *value << '\n';
+    const auto summary = summaryHeaders(message);
+    for (std::size_t i = 0; i < summary.size(); ++i) {
+        if (summary[i]) {
+            const char* label = SummaryHeaders[i];
+            std::cout << label << ':' << KNCString(8 - std::char_traits<char>::length(label), ' ') << *summary[i] << '\n';
             anyHeader = true;
         }
     }
@@ -147,12 +149,12 @@ void printJson(const Mail& mail)
         out += '}';
     }
     out += ']';
-    const KNMimePart& message = mail.result.getMessage();
-    for (const char* key : {"from", "to", "subject", "date"}) {
-        KNCString label = key;
-        label[0] = static_cast<char>(label[0] - 'a' + 'A');
+    // The summary holds From, To, Date, Subject; the keys come in the documented order.
+    const auto summary = summaryHeaders(mail.result.getMessage());
+    const std::pair<const char*, std::size_t> keys[] = {{"from", 0}, {"to", 1}, {"subject", 3}, {"date", 2}};
+    for (const auto& [key, index] : keys) {
         appendJsonKey(out, key);
-        appendJsonStringOrNull(out, KNMimeMessageView::headerText(message, label));
+        appendJsonStringOrNull(out, summary[index]);
     }
     appendJsonKey(out, "root");
 

@@ -7,24 +7,26 @@ namespace {
 void appendEscaped(KNCString& out, std::string_view text)
 {
     static const char hex[] = "0123456789abcdef";
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        switch (c) {
+    std::size_t run = 0; // the start of the bytes not yet appended, which need no escape
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if (byte >= 0x20 && byte != 0x7f && byte != '"' && byte != '\\')
+            continue;
+        out.append(text.data() + run, i - run);
+        run = i + 1;
+        switch (byte) {
         case '"': out += "\\\""; break;
         case '\\': out += "\\\\"; break;
         case '\n': out += "\\n"; break;
         case '\r': out += "\\r"; break;
         case '\t': out += "\\t"; break;
         default:
-            if (byte < 0x20 || byte == 0x7f) {
-                out += "\\u00";
-                out += hex[byte >> 4];
-                out += hex[byte & 0xf];
-            } else {
-                out += c;
-            }
+            out += "\\u00";
+            out += hex[byte >> 4];
+            out += hex[byte & 0xf];
         }
     }
+    out.append(text.data() + run, text.size() - run);
 }
 
 } // namespace

@@ -17,7 +17,8 @@ bool startsWithFromLine(std::string_view bytes)
 
 MailInput::MailInput(const KNCString& file)
     : name_(file.empty() ? KNCString("the sample message") : file == "-" ? KNCString("standard input") : file)
-    , bytes_(file.empty() ? KNCString(sampleMessage()) : readInput(file))
+    , file_(file.empty() ? nullptr : std::make_unique<InputFile>(file))
+    , bytes_(file_ ? file_->bytes() : sampleMessage())
 {
     if (startsWithFromLine(bytes_)) {
         std::vector<KNMimeMbox::Message> messages = KNMimeMbox::split(bytes_, KNMimeMbox::Format::Mboxo);
@@ -35,7 +36,7 @@ MailInput::MailInput(const KNCString& file)
 Mail MailInput::read(std::size_t index) const
 {
     Mail mail;
-    mail.text = mbox_ ? std::string_view(texts_.at(index)) : std::string_view(bytes_);
+    mail.text = mbox_ ? std::string_view(texts_.at(index)) : bytes_;
     mail.number = mbox_ ? index + 1 : 0;
     mail.source = mbox_ ? name_ + " message " + std::to_string(index + 1) : name_;
     try {

@@ -4,10 +4,13 @@
 // The input of the commands that read mail: one message, or the messages of an mbox, each
 // read with the forgiving reader, and the lookups the commands make in what it read.
 
+#include "files.h"
+
 #include <mail/KNMimeMail.h>
 #include <mail/KNMimeReader.h>
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -35,7 +38,8 @@ public:
 
 private:
     KNCString name_;
-    KNCString bytes_;
+    std::unique_ptr<InputFile> file_; // none for the sample message
+    std::string_view bytes_;
     bool mbox_ = false;
     std::vector<KNCString> texts_; // the messages of an mbox; a single message is bytes_
 };

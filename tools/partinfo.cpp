@@ -43,26 +43,100 @@ KNCString decodedParameters(const KNCString& value)
     return text;
 }
 
+// The unfolded values of the first header with each of `labels`, found in one pass over the
+// part's headers (the tool reads several headers of every part).
+template <std::size_t N>
+std::array<std::optional<KNCString>, N> headerValues(const KNMimePart& part, const std::array<const char*, N>& labels)
+{
+    std::array<std::optional<KNCString>, N> values;
+    std::array<bool, N> seen{};
+    std::size_t left = N;
+    for (std::size_t i = 0; i < part.getHeaderCount() && left > 0; ++i) {
+        const KNMimeHeader header = part.getHeader(i);
+        const KNCString label = header.getLabel();
+        for (std::size_t k = 0; k < N; ++k) {
+            if (seen[k] || !knEqualsIgnoreCase(label, labels[k]))
+                continue;
+            seen[k] = true;
+            --left;
+            try {
+                const KNCString line = header.asString();
+                values[k] = KNMimeUtils::unfoldAndTrim(line.substr(std::min(line.size(), label.size() + 1)));
+            } catch (const KNxmsg&) { // a value that cannot be printed; the view reads what it can
+                values[k] = KNMimeMessageView::header(part, labels[k]);
+            }
+        }
+    }
+    return values;
+}
+
+// A header value for display in UTF-8. Most values are plain ASCII without encoded words and
+// need no decoding at all.
+KNCString decodedValue(const KNCString& value)
+{
+    const bool plain = std::all_of(value.begin(), value.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    if (plain && value.find("=?") == KNCString::npos)
+        return value;
+    return KNMimeHeaderText::decode(value);
+}
+
+KNMimeExtendedParameters parametersOf(const std::optional<KNCString>& value)
+{
+    return value ? KNMimeExtendedParameters::fromHeaderValue(*value) : KNMimeExtendedParameters();
+}
+
+// A media type as "type/subtype": a slash with a name on each side and no blank.
+bool isMediaType(const KNCString& text)
+{
+    const std::size_t slash = text.find('/');
+    return slash != KNCString::npos && slash > 0 && slash + 1 < text.size() &&
+           text.find_first_of(" \t/", slash + 1) == KNCString::npos;
+}
+
 } // namespace
 
 const char* const SummaryHeaders[4] = {"From", "To", "Date", "Subject"};
 
+std::array<std::optional<KNCString>, 4> summaryHeaders(const KNMimePart& message)
+{
+    static const std::array<const char*, 4> labels = {SummaryHeaders[0], SummaryHeaders[1], SummaryHeaders[2], SummaryHeaders[3]};
+    std::array<std::optional<KNCString>, 4> values = headerValues(message, labels);
+    for (std::optional<KNCString>& value : values) {
+        if (value)
+            value = decodedValue(*value);
+    }
+    return values;
+}
+
+// Each header is read once here (tree --json runs this for every part of every message):
+// the file name comes from the same parameters as the media type and the charset.
 PartSummary summarize(const KNMimePart& part, bool withSize)
 {
     PartSummary summary;
-    summary.type = KNMimeMessageView::mediaType(part);
-    if (const auto contentType = KNMimeMessageView::header(part, "Content-Type"))
-        summary.charset = KNMimeExtendedParameters::fromHeaderValue(*contentType).get("charset");
-    if (const auto encoding = KNMimeMessageView::header(part, "Content-Transfer-Encoding"))
+    static const std::array<const char*, 3> labels = {"Content-Type", "Content-Disposition", "Content-Transfer-Encoding"};
+    const auto values = headerValues(part, labels);
+    const KNMimeExtendedParameters type = parametersOf(values[0]);
+    summary.type = isMediaType(type.getValue()) ? type.getValue() : KNCString("text/plain");
+    summary.charset = type.get("charset");
+    const KNMimeExtendedParameters disposition = parametersOf(values[1]);
+    if (!disposition.getValue().empty())
+        summary.disposition = disposition.getValue();
+    summary.filename = disposition.get("filename");
+    if (!summary.filename)
+        summary.filename = type.get("name");
+    const std::optional<KNCString>& encoding = values[2];
+    if (encoding)
         summary.encoding = lowerCase(*encoding);
-    KNCString disposition = KNMimeMessageView::disposition(part);
-    if (!disposition.empty())
-        summary.disposition = std::move(disposition);
-    summary.filename = KNMimeMessageView::filename(part);
-    if (withSize && !part.isMultipart())
-        summary.size = KNMimeBodyDecoder::decode(part).data.size();
+    if (withSize && !part.isMultipart()) {
+        const KNCString body = part.getBody();
+        const auto decoding = KNMimeBodyDecoder::encodingByName(encoding.value_or(KNCString()));
+        const bool asStored = decoding == KNMimeBodyDecoder::Encoding::Identity ||
+                              decoding == KNMimeBodyDecoder::Encoding::Unknown;
+        summary.size = asStored ? body.size() : KNMimeBodyDecoder::decode(body, *encoding).data.size();
+    }
     return summary;
 }
+
 
 KNCString decodedHeaderLine(const KNMimeHeader& header)
 {
@@ -72,7 +146,7 @@ KNCString decodedHeaderLine(const KNMimeHeader& header)
         return line;
     const KNCString label = line.substr(0, colon);
     const KNCString value = KNMimeUtils::unfoldAndTrim(line.substr(colon + 1));
-    return label + ": " + (isParameterHeader(label) ? decodedParameters(value) : KNMimeHeaderText::decode(value));
+    return label + ": " + (isParameterHeader(label) ? decodedParameters(value) : decodedValue(value));
 }
 
 KNCString describeDefect(const KNMimeDefect& defect)

@@ -7,6 +7,7 @@
 #include <mail/KNMimeDefect.h>
 #include <mime/KNMimePart.h>
 
+#include <array>
 #include <cstddef>
 #include <optional>
 
@@ -25,6 +26,10 @@ PartSummary summarize(const KNMimePart& part, bool withSize = true);
 
 // The header fields of the summary above a tree, in the order printed.
 extern const char* const SummaryHeaders[4];
+
+// The values of the first From, To, Date and Subject headers of `message` decoded to UTF-8,
+// in the order of SummaryHeaders; nothing for a header the message lacks.
+std::array<std::optional<KNCString>, 4> summaryHeaders(const KNMimePart& message);
 
 // A header line "Label: value" with the value decoded for reading: encoded words, RFC 2231
 // parameters and charsets give UTF-8.

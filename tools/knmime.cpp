@@ -191,7 +191,9 @@ int run(int argc, char** argv)
     if (!command)
         throw CommandUsageError("unknown command \"" + name + '"', nullptr);
     if (asksForHelp(argv + 2, argv + argc)) {
-        std::cout << usageOf(*command) << command->summary << ".\n\n" << command->details;
+        KNCString summary = command->summary;
+        summary[0] = static_cast<char>(summary[0] - 'a' + 'A');
+        std::cout << usageOf(*command) << '\n' << summary << ".\n" << command->details;
         return 0;
     }
     try {

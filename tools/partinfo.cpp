@@ -51,7 +51,8 @@ std::array<std::optional<KNCString>, N> headerValues(const KNMimePart& part, con
     std::array<std::optional<KNCString>, N> values;
     std::array<bool, N> seen{};
     std::size_t left = N;
-    for (std::size_t i = 0; i < part.getHeaderCount() && left > 0; ++i) {
+    const std::size_t count = part.getHeaderCount();
+    for (std::size_t i = 0; i < count && left > 0; ++i) {
         const KNMimeHeader header = part.getHeader(i);
         const KNCString label = header.getLabel();
         for (std::size_t k = 0; k < N; ++k) {
@@ -83,6 +84,16 @@ KNCString decodedValue(const KNCString& value)
 KNMimeExtendedParameters parametersOf(const std::optional<KNCString>& value)
 {
     return value ? KNMimeExtendedParameters::fromHeaderValue(*value) : KNMimeExtendedParameters();
+}
+
+// Whether `text` holds `word` in any case. A parameter is looked up only when its name
+// appears in the header value: most parts have no name and many no charset.
+bool mentions(const std::optional<KNCString>& text, std::string_view word)
+{
+    if (!text)
+        return false;
+    const auto same = [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) == b; };
+    return std::search(text->begin(), text->end(), word.begin(), word.end(), same) != text->end();
 }
 
 // A media type as "type/subtype": a slash with a name on each side and no blank.
@@ -117,12 +128,14 @@ PartSummary summarize(const KNMimePart& part, bool withSize)
     const auto values = headerValues(part, labels);
     const KNMimeExtendedParameters type = parametersOf(values[0]);
     summary.type = isMediaType(type.getValue()) ? type.getValue() : KNCString("text/plain");
-    summary.charset = type.get("charset");
+    if (mentions(values[0], "charset"))
+        summary.charset = type.get("charset");
     const KNMimeExtendedParameters disposition = parametersOf(values[1]);
     if (!disposition.getValue().empty())
         summary.disposition = disposition.getValue();
-    summary.filename = disposition.get("filename");
-    if (!summary.filename)
+    if (mentions(values[1], "filename"))
+        summary.filename = disposition.get("filename");
+    if (!summary.filename && mentions(values[0], "name"))
         summary.filename = type.get("name");
     const std::optional<KNCString>& encoding = values[2];
     if (encoding)

@@ -109,14 +109,13 @@ void appendNode(KNCString& out, const KNCString& path, const PartSummary& summar
     appendJsonString(out, shownPath(path));
     appendJsonKey(out, "type");
     appendJsonString(out, summary.type);
-    appendJsonKey(out, "charset");
-    appendJsonStringOrNull(out, summary.charset);
-    appendJsonKey(out, "encoding");
-    appendJsonStringOrNull(out, summary.encoding);
-    appendJsonKey(out, "disposition");
-    appendJsonStringOrNull(out, summary.disposition);
-    appendJsonKey(out, "filename");
-    appendJsonStringOrNull(out, summary.filename);
+    const std::pair<const char*, const std::optional<KNCString>*> strings[] = {
+        {"charset", &summary.charset}, {"encoding", &summary.encoding},
+        {"disposition", &summary.disposition}, {"filename", &summary.filename}};
+    for (const auto& [key, value] : strings) {
+        appendJsonKey(out, key);
+        appendJsonStringOrNull(out, *value);
+    }
     appendJsonKey(out, "size");
     appendJsonNumber(out, summary.size);
     appendJsonKey(out, "parts");

@@ -39,7 +39,7 @@ int runDecode(const Invocation& invocation)
     const KNCString& codec = codecNamed(invocation.operands[0]);
     const KNCString name = inputName(invocation);
     const KNCString text = readInput(name);
-    if (!invocation.strict) {
+    if (!invocation.has("--strict")) {
         writeOutput("-", KNMimeBodyDecoder::decode(text, codec).data);
         return 0;
     }

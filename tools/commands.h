@@ -9,6 +9,9 @@
 #include <mime/KNMime.h>
 
 #include <stdexcept>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 // A command line the tool cannot act on; main prints the text and the usage, and exits 2.
 class UsageError : public std::runtime_error {
@@ -25,14 +28,16 @@ public:
 
 // What main has read from the command line for one command.
 struct Invocation {
-    KNCStringList operands;   // the arguments after the command name, options taken out
-    bool decode = false;      // --decode
-    bool raw = false;         // --raw
-    bool json = false;        // --json
-    bool defects = false;     // --defects
-    bool strict = false;      // --strict
-    KNCString output;         // -o OUT; empty when not given, "-" is standard output
-    KNCString directory = "."; // -d DIR
+    KNCStringList operands; // the arguments after the command name, options taken out
+    KNCStringList flags;    // the options without a value given ("--json", ...)
+    std::vector<std::pair<KNCString, KNCString>> values; // options with a value, in order ("-o", "out")
+
+    // Whether the option `flag` was given.
+    bool has(std::string_view flag) const;
+    // The value of the last `option` given, or `fallback`.
+    KNCString value(std::string_view option, const KNCString& fallback = KNCString()) const;
+    // The values of every `option` given, in order (for options that may be repeated).
+    KNCStringList all(std::string_view option) const;
 };
 
 int runTree(const Invocation& invocation);    // tree [FILE] [--json] [--defects]

@@ -115,12 +115,9 @@ bool isAttachment(const PartSummary& summary)
 
 class Extractor {
 public:
-    Extractor(const Invocation& invocation) : invocation_(invocation), directory_(invocation.directory.c_str())
+    explicit Extractor(const Invocation& invocation)
+        : raw_(invocation.has("--raw")), directoryName_(invocation.value("-d", ".")), directory_(directoryName_.c_str())
     {
-        std::error_code error;
-        std::filesystem::create_directories(directory_, error);
-        if (error)
-            throw std::runtime_error("cannot create " + invocation.directory + ": " + error.message());
     }
 
     std::size_t written() const { return written_; }
@@ -132,7 +129,7 @@ public:
             throw DataError(where(mail, entity.path) +
                             "is a multipart; extract writes single parts (tree lists them)");
         }
-        return invocation_.raw ? entity.part.getBody() : KNMimeBodyDecoder::decode(entity.part).data;
+        return raw_ ? entity.part.getBody() : KNMimeBodyDecoder::decode(entity.part).data;
     }
 
     // Writes the part into the folder under its own name made safe, or one made up.
@@ -144,9 +141,15 @@ public:
             name = mail.number ? "message-" + std::to_string(mail.number) + "-part-" : KNCString("part-");
             name += (entity.path.empty() ? KNCString("1") : entity.path) + extensionFor(summary.type);
         }
+        if (written_ == 0) { // the folder is made when the first file goes into it
+            std::error_code error;
+            std::filesystem::create_directories(directory_, error);
+            if (error)
+                throw std::runtime_error("cannot create " + directoryName_ + ": " + error.message());
+        }
         const std::filesystem::path path = createFresh(directory_, name, body);
         ++written_;
-        std::cout << (invocation_.directory == "." ? path.filename().string() : path.string()) << "  (";
+        std::cout << (directoryName_ == "." ? path.filename().string() : path.string()) << "  (";
         if (mail.number)
             std::cout << "message " << mail.number << ' ';
         std::cout << "part " << shownPath(entity.path) << ", " << body.size() << (body.size() == 1 ? " byte)\n" : " bytes)\n");
@@ -172,7 +175,8 @@ public:
     }
 
 private:
-    const Invocation& invocation_;
+    bool raw_;
+    KNCString directoryName_; // as the user wrote it, for the lines printed
     std::filesystem::path directory_;
     std::size_t written_ = 0;
 };
@@ -183,16 +187,17 @@ int runExtract(const Invocation& invocation)
 {
     const KNCString file = invocation.operands[0];
     const KNCStringList paths(invocation.operands.begin() + 1, invocation.operands.end());
-    if (!invocation.output.empty() && paths.size() != 1)
+    const KNCString output = invocation.value("-o");
+    if (!output.empty() && paths.size() != 1)
         throw UsageError("-o writes one part: give exactly one PATH");
 
     const MailInput input(file);
-    if (!invocation.output.empty()) {
+    if (!output.empty()) {
         if (input.count() != 1)
             throw DataError(file + " is an mbox of " + std::to_string(input.count()) + " messages; -o writes one part of one message");
         const Mail mail = input.read(0);
         const KNMimeReadResult::Entity entity = entityAt(mail, paths[0]);
-        writeOutput(invocation.output, Extractor(invocation).bodyOf(mail, entity));
+        writeOutput(output, Extractor(invocation).bodyOf(mail, entity));
         return 0;
     }
 

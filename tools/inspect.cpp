@@ -183,10 +183,10 @@ int runTree(const Invocation& invocation)
 {
     const KNCString file = invocation.operands.empty() ? KNCString() : invocation.operands[0];
     forEachMail(file, [&](const Mail& mail) {
-        if (invocation.json)
+        if (invocation.has("--json"))
             printJson(mail);
         else
-            printTree(mail, invocation.defects);
+            printTree(mail, invocation.has("--defects"));
     });
     return 0;
 }
@@ -244,14 +244,14 @@ int runHeaders(const Invocation& invocation)
     forEachMail(invocation.operands[0], [&](const Mail& mail) {
         const KNMimeReadResult::Entity entity = entityAt(mail, pathText);
         printHeading(mail);
-        if (invocation.raw) {
+        if (invocation.has("--raw")) {
             const std::string_view block = rawHeaderBlock(mail, entity);
             std::cout.write(block.data(), static_cast<std::streamsize>(block.size()));
             return;
         }
         for (std::size_t i = 0; i < entity.part.getHeaderCount(); ++i) {
             const KNMimeHeader& header = entity.part.getHeader(i);
-            if (invocation.decode)
+            if (invocation.has("--decode"))
                 std::cout << decodedHeaderLine(header) << '\n';
             else // folded as printed, with the terminal's line ends instead of CRLF
                 std::cout << KNMimeUtils::replaceLineDelimiter(header.asString(), "\n") << '\n';

@@ -12,21 +12,11 @@
 
 #include <foundation/KNLibraryVersion.h>
 
+#include <algorithm>
 #include <iostream>
 #include <iterator>
 
 namespace {
-
-// The options a command takes, as bits of Command::options.
-enum Option : unsigned {
-    Decode = 1u << 0,    // --decode
-    Raw = 1u << 1,       // --raw
-    Json = 1u << 2,      // --json
-    Defects = 1u << 3,   // --defects
-    Strict = 1u << 4,    // --strict
-    Output = 1u << 5,    // -o OUT
-    Directory = 1u << 6, // -d DIR
-};
 
 constexpr std::size_t Many = static_cast<std::size_t>(-1);
 
@@ -37,11 +27,13 @@ struct Command {
     const char* details;  // the rest of `knmime NAME --help`
     std::size_t minOperands;
     std::size_t maxOperands;
-    unsigned options;
+    const char* flags;  // the options without a value it takes, blank-separated
+    const char* values; // the options with a value it takes (each may be repeated)
     int (*run)(const Invocation&);
 };
 
-// One entry per command, in the order the usage lists them.
+// One entry per command, in the order the usage lists them: a command is its entry here and
+// its run function (commands.h). Its options are listed by name; main parses them all alike.
 const Command Commands[] = {
     {"tree", "[FILE] [--json] [--defects]", "list the parts of each message",
      "Prints From, To, Date and Subject, then one line per part: path, media type, transfer\n"
@@ -49,15 +41,15 @@ const Command Commands[] = {
      "is opened as N.1. Without FILE it shows the bundled sample message.\n"
      "  --json     one JSON object per message, one per line\n"
      "  --defects  list what the reader repaired, after the tree\n",
-     0, 1, Json | Defects, runTree},
+     0, 1, "--json --defects", "", runTree},
     {"show", "FILE [PATH]", "print the text of a part in UTF-8 (the main text by default)",
      "A message or multipart shows its main text (plain text preferred); a single part\n"
      "its own text, converted from its charset.\n",
-     1, 2, 0, runShow},
+     1, 2, "", "", runShow},
     {"headers", "FILE [PATH] [--decode | --raw]", "print the headers of a part (the message by default)",
      "  --decode   UTF-8 for encoded words, RFC 2231 parameters and charsets\n"
      "  --raw      the header lines exactly as they stand in the input\n",
-     1, 2, Decode | Raw, runHeaders},
+     1, 2, "--decode --raw", "", runHeaders},
     {"extract", "FILE [PATH...] [-d DIR] [-o OUT] [--raw]", "write attachments or parts to files",
      "Without PATH, every attachment (a part with a file name, or not text) goes into DIR\n"
      "under its own name made safe; an existing file is never replaced (\"name (1).ext\").\n"
@@ -65,20 +57,20 @@ const Command Commands[] = {
      "  -d DIR     the folder to write into (default: the current folder)\n"
      "  -o OUT     write the one PATH given to OUT (\"-\" is standard output)\n"
      "  --raw      write bodies as stored, without undoing the transfer encoding\n",
-     1, Many, Directory | Output | Raw, runExtract},
+     1, Many, "--raw", "-d -o", runExtract},
     {"check", "FILE [--strict]", "list defects and check the print and parse round trip",
      "Lists what the reader repaired, then prints the message, parses it strictly, prints it\n"
      "again and reports the first difference. Exit status 1 when anything was found.\n"
      "  --strict   parse the input itself with the strict parser (CRLF line ends needed)\n",
-     1, 1, Strict, runCheck},
+     1, 1, "--strict", "", runCheck},
     {"encode", "CODEC [FILE]", "encode FILE with base64 or quoted-printable",
      "Writes the encoded text with CRLF line ends. FILE \"-\" or none is standard input.\n",
-     1, 2, 0, runEncode},
+     1, 2, "", "", runEncode},
     {"decode", "CODEC [FILE] [--strict]", "decode base64 or quoted-printable text",
      "Forgiving by default: wrapped lines, LF line ends and anything after base64 padding\n"
      "are accepted, as other programs write them.\n"
      "  --strict   refuse what the library's strict codecs refuse\n",
-     1, 2, Strict, runDecode},
+     1, 2, "--strict", "", runDecode},
 };
 
 const char* const Notes =
@@ -119,13 +111,19 @@ const Command* commandNamed(const KNCString& name)
     return nullptr;
 }
 
-// The value of the option at `arg`; moves `arg` onto it.
-KNCString optionValue(char**& arg, char** last)
+// Whether `option` is one of the blank-separated words of `list`.
+bool listed(const char* list, const KNCString& option)
 {
-    const KNCString option = *arg;
-    if (std::next(arg) == last)
-        throw UsageError(option + " needs a value");
-    return *++arg;
+    const std::string_view words = list;
+    for (std::size_t start = 0; start < words.size();) {
+        std::size_t end = words.find(' ', start);
+        if (end == std::string_view::npos)
+            end = words.size();
+        if (words.substr(start, end - start) == option)
+            return true;
+        start = end + 1;
+    }
+    return false;
 }
 
 // Options may stand anywhere after the command; "--" ends them, and "-" is an operand.
@@ -135,29 +133,21 @@ Invocation parseArguments(const Command& command, char** first, char** last)
     bool optionsEnded = false;
     for (char** arg = first; arg != last; ++arg) {
         const KNCString text = *arg;
-        const auto takes = [&](Option option) { return (command.options & option) != 0; };
-        if (optionsEnded || text == "-" || text.empty() || text[0] != '-')
+        if (optionsEnded || text == "-" || text.empty() || text[0] != '-') {
             invocation.operands.push_back(text);
-        else if (text == "--")
+        } else if (text == "--") {
             optionsEnded = true;
-        else if (text == "--decode" && takes(Decode))
-            invocation.decode = true;
-        else if (text == "--raw" && takes(Raw))
-            invocation.raw = true;
-        else if (text == "--json" && takes(Json))
-            invocation.json = true;
-        else if (text == "--defects" && takes(Defects))
-            invocation.defects = true;
-        else if (text == "--strict" && takes(Strict))
-            invocation.strict = true;
-        else if (text == "-o" && takes(Output))
-            invocation.output = optionValue(arg, last);
-        else if (text == "-d" && takes(Directory))
-            invocation.directory = optionValue(arg, last);
-        else
+        } else if (listed(command.flags, text)) {
+            invocation.flags.push_back(text);
+        } else if (listed(command.values, text)) {
+            if (std::next(arg) == last)
+                throw UsageError(text + " needs a value");
+            invocation.values.emplace_back(text, *++arg);
+        } else {
             throw UsageError(KNCString(command.name) + " has no option " + text);
+        }
     }
-    if (invocation.decode && invocation.raw)
+    if (invocation.has("--decode") && invocation.has("--raw"))
         throw UsageError("--decode and --raw exclude each other");
     const std::size_t count = invocation.operands.size();
     if (count < command.minOperands || count > command.maxOperands)
@@ -206,6 +196,30 @@ int run(int argc, char** argv)
 }
 
 } // namespace
+
+bool Invocation::has(std::string_view flag) const
+{
+    return std::find(flags.begin(), flags.end(), flag) != flags.end();
+}
+
+KNCString Invocation::value(std::string_view option, const KNCString& fallback) const
+{
+    for (auto it = values.rbegin(); it != values.rend(); ++it) {
+        if (it->first == option)
+            return it->second;
+    }
+    return fallback;
+}
+
+KNCStringList Invocation::all(std::string_view option) const
+{
+    KNCStringList found;
+    for (const auto& [name, value] : values) {
+        if (name == option)
+            found.push_back(value);
+    }
+    return found;
+}
 
 int main(int argc, char** argv)
 {

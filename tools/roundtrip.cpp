@@ -150,7 +150,7 @@ int runCheck(const Invocation& invocation)
         const Mail mail = input.read(i);
         if (mail.number)
             std::cout << "message " << mail.number << '\n';
-        if (!(invocation.strict ? strictCheck(mail) : forgivingCheck(mail)))
+        if (!(invocation.has("--strict") ? strictCheck(mail) : forgivingCheck(mail)))
             good = false;
     }
     return good ? 0 : 1;

@@ -122,12 +122,12 @@ void appendNode(KNCString& out, const KNCString& path, const PartSummary& summar
     out += '[';
 }
 
-// One message as one line of JSON. The entities come depth first, so the open nodes form a
-// stack: a node closes when the next entity is no deeper than it.
-void printJson(const Mail& mail)
+// One message as one line of JSON, built in `out` (kept from message to message, so that
+// its memory is reused). The entities come depth first, so the open nodes form a stack: a
+// node closes when the next entity is no deeper than it.
+void printJson(const Mail& mail, KNCString& out)
 {
-    KNCString out;
-    out.reserve(512 + 256 * mail.result.getEntities().size());
+    out.clear();
     out += '{';
     appendJsonKey(out, "defects", true);
     out += '[';
@@ -182,9 +182,10 @@ void printJson(const Mail& mail)
 int runTree(const Invocation& invocation)
 {
     const KNCString file = invocation.operands.empty() ? KNCString() : invocation.operands[0];
+    KNCString json;
     forEachMail(file, [&](const Mail& mail) {
         if (invocation.has("--json"))
-            printJson(mail);
+            printJson(mail, json);
         else
             printTree(mail, invocation.has("--defects"));
     });

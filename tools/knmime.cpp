@@ -13,6 +13,7 @@
 #include <foundation/KNLibraryVersion.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <iostream>
 #include <iterator>
 
@@ -223,6 +224,8 @@ KNCStringList Invocation::all(std::string_view option) const
 
 int main(int argc, char** argv)
 {
+    // Output goes out in large pieces: tree --json over a mailbox writes megabytes.
+    std::setvbuf(stdout, nullptr, _IOFBF, 1 << 16);
     int status = 0;
     try {
         status = run(argc, argv);

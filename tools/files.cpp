@@ -6,6 +6,10 @@
 #include <fstream>
 #include <iostream>
 #include <stdexcept>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -49,7 +53,47 @@ KNCString readInput(const KNCString& name)
     std::ifstream file(name, std::ios::binary);
     if (!file)
         fail("open", name);
-    return readAll(file, name);
+    // A regular file is read into a buffer of its size, in one piece; what it holds beyond
+    // that (a file still growing) is read in chunks after it.
+    std::error_code unknown;
+    const auto size = std::filesystem::file_size(name, unknown);
+    KNCString bytes;
+    if (!unknown && size > 0) {
+        bytes.resize(static_cast<std::size_t>(size));
+        file.read(bytes.data(), static_cast<std::streamsize>(size));
+        bytes.resize(static_cast<std::size_t>(file.gcount()));
+        if (file.bad())
+            fail("read", name);
+        if (bytes.size() < size)
+            return bytes;
+    }
+    return bytes + readAll(file, name);
+}
+
+InputFile::InputFile(const KNCString& name)
+{
+    if (!isStandardStream(name)) {
+        const int fd = ::open(name.c_str(), O_RDONLY);
+        struct stat status {};
+        if (fd >= 0 && ::fstat(fd, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0) {
+            void* map = ::mmap(nullptr, static_cast<std::size_t>(status.st_size), PROT_READ, MAP_PRIVATE, fd, 0);
+            if (map != MAP_FAILED) {
+                map_ = map;
+                size_ = static_cast<std::size_t>(status.st_size);
+            }
+        }
+        if (fd >= 0)
+            ::close(fd);
+        if (map_)
+            return;
+    }
+    read_ = readInput(name); // reports what is wrong with the file, if anything
+}
+
+InputFile::~InputFile()
+{
+    if (map_)
+        ::munmap(map_, size_);
 }
 
 void writeOutput(const KNCString& name, const KNCString& bytes)

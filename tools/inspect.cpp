@@ -1,70 +1,51 @@
-// The commands that look into a message: tree, headers and extract.
+// The commands that look into messages: tree, show and headers.
 
 #include "commands.h"
-#include "files.h"
+#include "json.h"
+#include "mailinput.h"
 #include "partinfo.h"
-#include "partpath.h"
+
+#include <mail/KNMimeMail.h>
 
 #include <algorithm>
 #include <iostream>
 
 namespace {
 
-KNMimePart readMessage(const KNCString& file)
-{
-    KNMimePart message;
-    message.fromString(readInput(file));
-    return message;
-}
-
 KNCString counted(std::size_t count, const char* singular, const char* plural)
 {
     return std::to_string(count) + ' ' + (count == 1 ? singular : plural);
+}
+
+// The number of components of a reader path: 0 for the message, 2 for "1.2".
+std::size_t depthOf(const KNCString& path)
+{
+    return path.empty() ? 0 : 1 + static_cast<std::size_t>(std::count(path.begin(), path.end(), '.'));
+}
+
+// A line naming the message of an mbox before what is printed about it.
+void printHeading(const Mail& mail)
+{
+    if (mail.number == 0)
+        return;
+    if (mail.number > 1)
+        std::cout << '\n';
+    std::cout << "message " << mail.number << '\n';
+}
+
+// Calls `each` with every message of the input in turn.
+template <class Each>
+void forEachMail(const KNCString& file, Each each)
+{
+    const MailInput input(file);
+    for (std::size_t i = 0; i < input.count(); ++i)
+        each(input.read(i));
 }
 
 // --- tree ----------------------------------------------------------------------------
 
 // One line of the tree: path, media type, transfer encoding, size, file name.
 using Row = KNCStringList;
-
-struct Tree {
-    std::vector<Row> rows;
-    KNCStringList problems; // bodies that do not decode, reported after the tree
-};
-
-// The size cell of a leaf. A body that does not decode does not stop the listing: a damaged
-// message is what one most wants to look into.
-KNCString decodedSize(const KNMimePart& part, const PartPath& path, Tree& tree)
-{
-    try {
-        return counted(decodedBodyOf(part).size(), "byte", "bytes");
-    } catch (const KNMimeError& error) {
-        tree.problems.push_back(describePart(path) + ": " + error.why());
-        return "undecodable";
-    }
-}
-
-void addRows(const KNMimePart& part, PartPath& path, Tree& tree)
-{
-    Row row{formatPartPath(path), mediaTypeOf(part), transferEncodingOf(part)};
-    if (!part.isMultipart()) {
-        row.push_back(decodedSize(part, path, tree));
-        const KNCString filename = filenameOf(part);
-        if (!filename.empty())
-            row.push_back('"' + filename + '"');
-        tree.rows.push_back(row);
-        return;
-    }
-    const KNMimeMultipart multipart(part); // shares the body, copies nothing
-    row.push_back(counted(multipart.getPartCount(), "part", "parts"));
-    tree.rows.push_back(row);
-    // The recursion is as deep as the nesting, which the parser limits.
-    for (std::size_t i = 0; i < multipart.getPartCount(); ++i) {
-        path.push_back(i);
-        addRows(multipart.getPart(i), path, tree);
-        path.pop_back();
-    }
-}
 
 // Prints the rows in columns two blanks apart; the last cell of a row is not padded.
 void printColumns(const std::vector<Row>& rows)
@@ -80,49 +61,202 @@ void printColumns(const std::vector<Row>& rows)
         for (std::size_t i = 0; i < row.size(); ++i) {
             line += row[i];
             if (i + 1 < row.size())
-                line.append(widths[i] - row[i].size() + 2, ' ');
+                line.append(widths[i] + 2 - row[i].size(), ' ');
         }
         std::cout << line << '\n';
     }
+}
+
+void printTree(const Mail& mail, bool withDefects)
+{
+    printHeading(mail);
+    const KNMimePart& message = mail.result.getMessage();
+    bool anyHeader = false;
+    const auto summary = summaryHeaders(message);
+    for (std::size_t i = 0; i < summary.size(); ++i) {
+        if (summary[i]) {
+            const char* label = SummaryHeaders[i];
+            std::cout << label << ':' << KNCString(8 - std::char_traits<char>::length(label), ' ') << *summary[i] << '\n';
+            anyHeader = true;
+        }
+    }
+    if (anyHeader)
+        std::cout << '\n';
+
+    std::vector<Row> rows;
+    for (const KNMimeReadResult::Entity& entity : mail.result.getEntities()) {
+        const PartSummary summary = summarize(entity.part);
+        Row row{shownPath(entity.path), summary.type, summary.encoding.value_or(KNMimeUtils::SevenBit)};
+        if (summary.size)
+            row.push_back(counted(*summary.size, "byte", "bytes"));
+        else
+            row.push_back(counted(KNMimeMultipart(entity.part).getPartCount(), "part", "parts"));
+        if (summary.filename)
+            row.push_back('"' + *summary.filename + '"');
+        rows.push_back(std::move(row));
+    }
+    printColumns(rows);
+    if (withDefects) {
+        for (const KNMimeDefect& defect : mail.result.getDefects())
+            std::cout << describeDefect(defect) << '\n';
+    }
+}
+
+void appendNode(KNCString& out, const KNCString& path, const PartSummary& summary)
+{
+    out += '{';
+    appendJsonKey(out, "path", true);
+    appendJsonString(out, shownPath(path));
+    appendJsonKey(out, "type");
+    appendJsonString(out, summary.type);
+    const std::pair<const char*, const std::optional<KNCString>*> strings[] = {
+        {"charset", &summary.charset}, {"encoding", &summary.encoding},
+        {"disposition", &summary.disposition}, {"filename", &summary.filename}};
+    for (const auto& [key, value] : strings) {
+        appendJsonKey(out, key);
+        appendJsonStringOrNull(out, *value);
+    }
+    appendJsonKey(out, "size");
+    appendJsonNumber(out, summary.size);
+    appendJsonKey(out, "parts");
+    out += '[';
+}
+
+// One message as one line of JSON, built in `out` (kept from message to message, so that
+// its memory is reused). The entities come depth first, so the open nodes form a stack: a
+// node closes when the next entity is no deeper than it.
+void printJson(const Mail& mail, KNCString& out)
+{
+    out.clear();
+    out += '{';
+    appendJsonKey(out, "defects", true);
+    out += '[';
+    bool first = true;
+    for (const KNMimeDefect& defect : mail.result.getDefects()) {
+        if (!first)
+            out += ',';
+        first = false;
+        out += '{';
+        appendJsonKey(out, "kind", true);
+        appendJsonString(out, defect.kindName());
+        appendJsonKey(out, "path");
+        appendJsonString(out, shownPath(defect.path));
+        appendJsonKey(out, "offset");
+        appendJsonNumber(out, defect.offset);
+        appendJsonKey(out, "text");
+        appendJsonString(out, defect.text);
+        out += '}';
+    }
+    out += ']';
+    // The summary holds From, To, Date, Subject; the keys come in the documented order.
+    const auto summary = summaryHeaders(mail.result.getMessage());
+    const std::pair<const char*, std::size_t> keys[] = {{"from", 0}, {"to", 1}, {"subject", 3}, {"date", 2}};
+    for (const auto& [key, index] : keys) {
+        appendJsonKey(out, key);
+        appendJsonStringOrNull(out, summary[index]);
+    }
+    appendJsonKey(out, "root");
+
+    std::size_t open = 0;      // nodes written and not yet closed
+    bool hasChildren = false;  // whether the innermost open node has a child yet
+    for (const KNMimeReadResult::Entity& entity : mail.result.getEntities()) {
+        const std::size_t depth = depthOf(entity.path);
+        for (; open > depth; --open) {
+            out += "]}";
+            hasChildren = true;
+        }
+        if (open > 0 && hasChildren)
+            out += ',';
+        appendNode(out, entity.path, summarize(entity.part));
+        ++open;
+        hasChildren = false;
+    }
+    for (; open > 0; --open)
+        out += "]}";
+    out += "}\n";
+    std::cout.write(out.data(), static_cast<std::streamsize>(out.size()));
 }
 
 } // namespace
 
 int runTree(const Invocation& invocation)
 {
-    const KNMimePart message = readMessage(invocation.operands[0]);
-    Tree tree;
-    PartPath path;
-    addRows(message, path, tree);
-    printColumns(tree.rows);
-    for (const KNCString& problem : tree.problems)
-        std::cerr << "knmime: " << problem << '\n';
-    return tree.problems.empty() ? 0 : 1;
+    const KNCString file = invocation.operands.empty() ? KNCString() : invocation.operands[0];
+    KNCString json;
+    forEachMail(file, [&](const Mail& mail) {
+        if (invocation.has("--json"))
+            printJson(mail, json);
+        else
+            printTree(mail, invocation.has("--defects"));
+    });
+    return 0;
 }
+
+// --- show ----------------------------------------------------------------------------
+
+int runShow(const Invocation& invocation)
+{
+    const KNCString pathText = invocation.operands.size() > 1 ? invocation.operands[1] : ".";
+    forEachMail(invocation.operands[0], [&](const Mail& mail) {
+        const KNMimeReadResult::Entity entity = entityAt(mail, pathText);
+        std::optional<KNCString> text;
+        // A message or multipart shows its main text; a single part its own text.
+        if (entity.path.empty() || entity.part.isMultipart())
+            text = KNMimeMessageView(entity.part).mainText();
+        else
+            text = KNMimeBodyDecoder::text(entity.part).text;
+        if (!text)
+            throw DataError(where(mail, entity.path) + "no text body to show (tree lists the parts)");
+        printHeading(mail);
+        std::cout << *text;
+        if (!text->empty() && text->back() != '\n')
+            std::cout << '\n';
+    });
+    return 0;
+}
+
+// --- headers -------------------------------------------------------------------------
+
+namespace {
+
+// The header block of the entity as it stands in the input: from its first byte up to the
+// empty line that ends it (or the end of the input).
+std::string_view rawHeaderBlock(const Mail& mail, const KNMimeReadResult::Entity& entity)
+{
+    if (entity.offset >= mail.text.size())
+        return {};
+    const std::string_view rest = mail.text.substr(entity.offset);
+    for (std::size_t start = 0; start < rest.size();) {
+        std::size_t end = rest.find('\n', start);
+        end = end == std::string_view::npos ? rest.size() : end + 1;
+        const std::string_view line = rest.substr(start, end - start);
+        if (line == "\n" || line == "\r\n")
+            return rest.substr(0, start);
+        start = end;
+    }
+    return rest;
+}
+
+} // namespace
 
 int runHeaders(const Invocation& invocation)
 {
     const KNCString pathText = invocation.operands.size() > 1 ? invocation.operands[1] : ".";
-    const PartPath path = parsePartPath(pathText); // a bad path is reported before reading
-    const KNMimePart part = findPart(readMessage(invocation.operands[0]), path);
-    for (std::size_t i = 0; i < part.getHeaderCount(); ++i) {
-        const KNCString line = part.getHeader(i).asString();
-        if (invocation.decodeWords)
-            std::cout << decodeEncodedWords(KNMimeUtils::unfoldAndTrim(line)) << '\n';
-        else // folded as printed, with the terminal's line ends instead of CRLF
-            std::cout << KNMimeUtils::replaceLineDelimiter(line, "\n") << '\n';
-    }
-    return 0;
-}
-
-int runExtract(const Invocation& invocation)
-{
-    const PartPath path = parsePartPath(invocation.operands[1]);
-    const KNMimePart part = findPart(readMessage(invocation.operands[0]), path);
-    if (part.isMultipart()) {
-        throw UsageError(describePart(path) + " is a multipart; extract writes the body of a single "
-                         "part (tree lists them)");
-    }
-    writeOutput(invocation.output, decodedBodyOf(part));
+    forEachMail(invocation.operands[0], [&](const Mail& mail) {
+        const KNMimeReadResult::Entity entity = entityAt(mail, pathText);
+        printHeading(mail);
+        if (invocation.has("--raw")) {
+            const std::string_view block = rawHeaderBlock(mail, entity);
+            std::cout.write(block.data(), static_cast<std::streamsize>(block.size()));
+            return;
+        }
+        for (std::size_t i = 0; i < entity.part.getHeaderCount(); ++i) {
+            const KNMimeHeader& header = entity.part.getHeader(i);
+            if (invocation.has("--decode"))
+                std::cout << decodedHeaderLine(header) << '\n';
+            else // folded as printed, with the terminal's line ends instead of CRLF
+                std::cout << KNMimeUtils::replaceLineDelimiter(header.asString(), "\n") << '\n';
+        }
+    });
     return 0;
 }

@@ -1,39 +1,41 @@
 #ifndef KN_TOOLS_PARTINFO_H
 #define KN_TOOLS_PARTINFO_H
 
-// What a part says about its content, read through the library's typed headers, with the
-// defaults MIME gives a part that lacks a header.
+// What the tool shows about a part and a message, read through the forgiving mail layer:
+// names and header values come out in UTF-8, and nothing here throws for odd content.
 
-#include <mime/KNMime.h>
+#include <mail/KNMimeDefect.h>
+#include <mime/KNMimePart.h>
 
+#include <array>
+#include <cstddef>
 #include <optional>
 
-// The part's first header with the label of the typed header class H, if it has one.
-template <class H>
-std::optional<H> firstHeader(const KNMimePart& part)
-{
-    const std::size_t i = part.findHeader(H::Label, 0);
-    if (i == KNCString::npos)
-        return std::nullopt;
-    return H(part.getHeader(i));
-}
+// What tree prints about one part.
+struct PartSummary {
+    KNCString type;                       // lower-case "type/subtype"; text/plain without one
+    std::optional<KNCString> charset;     // the Content-Type charset parameter
+    std::optional<KNCString> encoding;    // the Content-Transfer-Encoding, lower case
+    std::optional<KNCString> disposition; // "inline", "attachment", ...
+    std::optional<KNCString> filename;    // decoded to UTF-8 (RFC 2231 or encoded words)
+    std::optional<std::size_t> size;      // a leaf's decoded body size; none for a multipart
+};
 
-// "type/subtype" as written in the Content-Type header; "text/plain" without one.
-KNCString mediaTypeOf(const KNMimePart& part);
+// The summary of `part`; the size (which decodes the body) only when `withSize` is true.
+PartSummary summarize(const KNMimePart& part, bool withSize = true);
 
-// The Content-Transfer-Encoding name; "7bit" without one.
-KNCString transferEncodingOf(const KNMimePart& part);
+// The header fields of the summary above a tree, in the order printed.
+extern const char* const SummaryHeaders[4];
 
-// The body with its transfer encoding undone (UNKNOWN_ENCODING for a name the library lacks).
-KNCString decodedBodyOf(const KNMimePart& part);
+// The values of the first From, To, Date and Subject headers of `message` decoded to UTF-8,
+// in the order of SummaryHeaders; nothing for a header the message lacks.
+std::array<std::optional<KNCString>, 4> summaryHeaders(const KNMimePart& message);
 
-// The Content-Disposition filename, else the Content-Type name, with encoded words decoded;
-// empty when the part names no file.
-KNCString filenameOf(const KNMimePart& part);
+// A header line "Label: value" with the value decoded for reading: encoded words, RFC 2231
+// parameters and charsets give UTF-8.
+KNCString decodedHeaderLine(const KNMimeHeader& header);
 
-// A header value with its encoded words decoded for display; a word that does not decode
-// stays as it is. The decoded bytes keep the words' charsets (UTF-8 in most mail): nothing
-// converts between charsets.
-KNCString decodeEncodedWords(const KNCString& value);
+// One defect as one line: "defect in part 2: KIND at byte OFFSET: TEXT".
+KNCString describeDefect(const KNMimeDefect& defect);
 
 #endif

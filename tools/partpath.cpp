@@ -64,23 +64,3 @@ KNCString describePart(const PartPath& path)
 {
     return path.empty() ? KNCString("the message") : "part " + formatPartPath(path);
 }
-
-KNMimePart findPart(const KNMimePart& message, const PartPath& path)
-{
-    KNMimePart part = message;
-    PartPath walked;
-    for (const std::size_t index : path) {
-        const KNCString parent = describePart(walked);
-        walked.push_back(index);
-        if (!part.isMultipart())
-            throw UsageError("no " + describePart(walked) + ": " + parent + " is not a multipart");
-        const KNMimeMultipart multipart(part); // shares the body, copies nothing
-        const std::size_t count = multipart.getPartCount();
-        if (index >= count) {
-            throw UsageError("no " + describePart(walked) + ": " + parent + " has " + std::to_string(count) +
-                             (count == 1 ? " part" : " parts"));
-        }
-        part = multipart.getPart(index);
-    }
-    return part;
-}

@@ -21,8 +21,4 @@ KNCString formatPartPath(const PartPath& path);
 // The path in a sentence: "part 7.3", or "the message".
 KNCString describePart(const PartPath& path);
 
-// The part of `message` at `path`, sharing its body; UsageError naming the first step of the
-// path that does not exist.
-KNMimePart findPart(const KNMimePart& message, const PartPath& path);
-
 #endif

@@ -1,8 +1,10 @@
-// check: parses a message, prints it, parses the printed text again and compares the two
-// trees. Every program that edits mail through the library relies on this round trip.
+// check: lists what the reader repaired in a message, then prints the message, parses the
+// printed text strictly and compares the two trees and texts. Every program that edits mail
+// through the library relies on this round trip. --strict parses the input itself strictly.
 
 #include "commands.h"
-#include "files.h"
+#include "mailinput.h"
+#include "partinfo.h"
 #include "partpath.h"
 
 #include <algorithm>
@@ -26,6 +28,12 @@ KNCString quoted(const KNMimeHeader& header)
 KNCString became(std::size_t before, std::size_t after)
 {
     return std::to_string(before) + " became " + std::to_string(after);
+}
+
+bool failed(const KNCString& why)
+{
+    std::cout << why << '\n';
+    return false;
 }
 
 std::optional<KNCString> headerDifference(const KNMimePart& before, const KNMimePart& after)
@@ -72,20 +80,11 @@ std::optional<KNCString> difference(const KNMimePart& before, const KNMimePart& 
     return std::nullopt;
 }
 
-int failed(const KNCString& why)
+// Prints the printed text, parses it strictly, prints it again and compares; "ok" when the
+// two trees and texts are the same. `input`, when given, is the text `parsed` was parsed
+// from, compared with the printed text as a note.
+bool roundTrip(const KNMimePart& parsed, const KNCString* input)
 {
-    std::cout << why << '\n';
-    return 1;
-}
-
-} // namespace
-
-int runCheck(const Invocation& invocation)
-{
-    const KNCString input = readInput(invocation.operands[0]);
-    KNMimePart parsed;
-    parsed.fromString(input); // a message that does not parse is an ordinary library error
-
     // Headers are checked when printed, not when parsed, so printing can refuse what parsed.
     KNCString printed;
     KNMimePart reparsed;
@@ -112,8 +111,47 @@ int runCheck(const Invocation& invocation)
     }
 
     std::cout << "ok";
-    if (printed != input) // the library normalises some spellings; that is no failure
-        std::cout << " (the printed text differs from the input from line " << firstDifferentLine(input, printed) << ')';
+    if (input && printed != *input) // the library normalises some spellings; that is no failure
+        std::cout << " (the printed text differs from the input from line " << firstDifferentLine(*input, printed) << ')';
     std::cout << '\n';
-    return 0;
+    return true;
+}
+
+// The message as the strict parser reads it, checked through a round trip.
+bool strictCheck(const Mail& mail)
+{
+    const KNCString input(mail.text);
+    KNMimePart parsed;
+    try {
+        parsed.fromString(input);
+    } catch (const KNxmsg& error) {
+        return failed(mail.source + ": the message does not parse: " + error.why());
+    }
+    return roundTrip(parsed, &input);
+}
+
+// The reader's defects, then the round trip of the message as the reader read it.
+bool forgivingCheck(const Mail& mail)
+{
+    const std::vector<KNMimeDefect>& defects = mail.result.getDefects();
+    for (const KNMimeDefect& defect : defects)
+        std::cout << describeDefect(defect) << '\n';
+    const bool printsBack = roundTrip(mail.result.getMessage(), nullptr);
+    return printsBack && defects.empty();
+}
+
+} // namespace
+
+int runCheck(const Invocation& invocation)
+{
+    const MailInput input(invocation.operands[0]);
+    bool good = true;
+    for (std::size_t i = 0; i < input.count(); ++i) {
+        const Mail mail = input.read(i);
+        if (mail.number)
+            std::cout << "message " << mail.number << '\n';
+        if (!(invocation.has("--strict") ? strictCheck(mail) : forgivingCheck(mail)))
+            good = false;
+    }
+    return good ? 0 : 1;
 }

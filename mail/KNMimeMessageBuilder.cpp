@@ -242,9 +242,10 @@ KNMimeMessageBuilder& KNMimeMessageBuilder::setHtml(std::string_view html)
     return *this;
 }
 
-KNCString KNMimeMessageBuilder::addInline(std::string_view name, std::string_view mediaType, std::string_view data)
+KNCString KNMimeMessageBuilder::addInline(std::string_view name, std::string_view mediaType, std::string_view data,
+                                          std::string_view contentId)
 {
-    KNCString id = randomHex(16) + "@" + domainOf(from_);
+    KNCString id = contentId.empty() ? randomHex(16) + "@" + domainOf(from_) : KNCString(contentId);
     inline_.push_back(File{KNCString(name), KNCString(mediaType), KNCString(data), id});
     return id;
 }

@@ -47,8 +47,10 @@ public:
     /// Sets the HTML body, UTF-8 with any line ends (written as CRLF).
     KNMimeMessageBuilder& setHtml(std::string_view html);
     /// Adds an image (or other file) the HTML shows inline and returns its Content-ID, for
-    /// the HTML to use as "cid:" + the returned id. `name` is UTF-8.
-    KNCString addInline(std::string_view name, std::string_view mediaType, std::string_view data);
+    /// the HTML to use as "cid:" + the returned id: `contentId` when given (without angle
+    /// brackets), a fresh one otherwise. `name` is UTF-8.
+    KNCString addInline(std::string_view name, std::string_view mediaType, std::string_view data,
+                        std::string_view contentId = {});
     /// Adds an attachment: its file name (UTF-8), media type ("application/pdf") and bytes.
     KNMimeMessageBuilder& addAttachment(std::string_view name, std::string_view mediaType, std::string_view data);
 

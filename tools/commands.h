@@ -44,6 +44,7 @@ int runTree(const Invocation& invocation);    // tree [FILE] [--json] [--defects
 int runShow(const Invocation& invocation);    // show FILE [PATH]
 int runHeaders(const Invocation& invocation); // headers FILE [PATH] [--decode] [--raw]
 int runExtract(const Invocation& invocation); // extract FILE [PATH...] [-d DIR] [-o OUT] [--raw]
+int runCompose(const Invocation& invocation); // compose --from A --to B --subject S [...]
 int runCheck(const Invocation& invocation);   // check FILE [--strict]
 int runEncode(const Invocation& invocation);  // encode CODEC [FILE]
 int runDecode(const Invocation& invocation);  // decode CODEC [FILE] [--strict]

@@ -6,7 +6,7 @@
 //     knmime extract message.eml -d attachments
 //
 // This file reads the command line and turns failures into exit statuses; the commands live
-// in inspect.cpp, extract.cpp, roundtrip.cpp and codec.cpp.
+// in inspect.cpp, extract.cpp, compose.cpp, roundtrip.cpp and codec.cpp.
 
 #include "commands.h"
 
@@ -59,6 +59,14 @@ const Command Commands[] = {
      "  -o OUT     write the one PATH given to OUT (\"-\" is standard output)\n"
      "  --raw      write bodies as stored, without undoing the transfer encoding\n",
      1, Many, "--raw", "-d -o", runExtract},
+    {"compose", "--from A --to B [--cc C] --subject S [--text FILE] [--html FILE] [--attach FILE]... [--inline FILE]...",
+     "build a message and write it to standard output",
+     "Addresses and the subject are UTF-8; --to and --cc may be repeated. FILE \"-\" is standard\n"
+     "input. A file travels under its own name; its media type comes from its extension\n"
+     "unless --type TYPE stands before it. The HTML shows an --inline file as cid:NAME.\n"
+     "  --reply-to A      a Reply-To address\n"
+     "  --type TYPE       the media type of the --attach or --inline file named next\n",
+     0, 0, "", "--from --to --cc --reply-to --subject --text --html --attach --inline --type", runCompose},
     {"check", "FILE [--strict]", "list defects and check the print and parse round trip",
      "Lists what the reader repaired, then prints the message, parses it strictly, prints it\n"
      "again and reports the first difference. Exit status 1 when anything was found.\n"

@@ -6,47 +6,47 @@ namespace {
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-// Whether every LF follows a CR and every CR precedes an LF. An OR over the bytes with no
-// branch in the loop, which the compiler turns into vector code: CRLF text is recognised at
-// close to memory speed.
-#if defined(__x86_64__) && defined(__GNUC__) && defined(__ELF__)
-__attribute__((target_clones("avx2", "default")))
-#endif
-bool isAllCrlf(std::string_view s)
-{
-    const auto* const b = reinterpret_cast<const unsigned char*>(s.data());
-    const std::size_t n = s.size();
-    if (n == 0)
-        return true;
-    if (b[0] == '\n' || b[n - 1] == '\r')
-        return false;
-    // A CR at i and an LF at i + 1 go together: every CR is followed by an LF and every LF
-    // (past the first byte) follows a CR exactly when no position has one without the other.
-    constexpr std::size_t block = 1 << 12;
-    for (std::size_t begin = 0; begin + 1 < n; begin += block) {
-        const std::size_t end = std::min(n - 1, begin + block);
-        unsigned char bad = 0;
-        for (std::size_t i = begin; i < end; ++i)
-            bad |= static_cast<unsigned char>((b[i] == '\r') ^ (b[i + 1] == '\n'));
-        if (bad != 0)
-            return false;
-    }
-    return true;
-}
-
 } // namespace
 
-KNMimeStoredText::KNMimeStoredText(std::string_view input)
+KNMimeStoredText::KNMimeStoredText(std::string_view input, bool makeCrlf)
 {
     if (input.substr(0, byteOrderMark.size()) == byteOrderMark) {
         byteOrderMark_ = true;
         base_ = byteOrderMark.size();
         input.remove_prefix(base_);
     }
-    if (isAllCrlf(input))
-        text_ = input;
-    else
+    if (makeCrlf)
         normalise(input, input.find('\r') != std::string_view::npos);
+    else
+        text_ = input;
+}
+
+// A CR at i and an LF at i + 1 go together: a CR not followed by an LF, or an LF not after a
+// CR, is a position where one stands without the other. An OR over the bytes with no branch
+// in the loop, which the compiler turns into vector code.
+#if defined(__x86_64__) && defined(__GNUC__) && defined(__ELF__)
+__attribute__((target_clones("avx2", "default")))
+#endif
+bool KNMimeStoredText::isCrlfBetween(std::size_t begin, std::size_t end) const
+{
+    const auto* const b = reinterpret_cast<const unsigned char*>(text_.data());
+    const std::size_t n = text_.size();
+    end = std::min(end, n);
+    if (begin >= end)
+        return true;
+    if ((begin > 0 && b[begin] == '\n' && b[begin - 1] != '\r') || (begin == 0 && b[0] == '\n'))
+        return false; // an LF at the start of the range pairs with the byte before it
+    const std::size_t pairsEnd = std::min(end, n - 1);
+    constexpr std::size_t block = 1 << 12; // stop soon after the first bad byte
+    for (std::size_t from = begin; from < pairsEnd; from += block) {
+        const std::size_t to = std::min(pairsEnd, from + block);
+        unsigned char bad = 0;
+        for (std::size_t i = from; i < to; ++i)
+            bad |= static_cast<unsigned char>((b[i] == '\r') ^ (b[i + 1] == '\n'));
+        if (bad != 0)
+            return false;
+    }
+    return !(end == n && b[n - 1] == '\r');
 }
 
 // One pass: copy the runs between line-end bytes, adding the byte a bare CR or LF lacks.

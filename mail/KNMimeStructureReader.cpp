@@ -27,6 +27,9 @@ namespace {
 
 constexpr std::string_view crlf = "\r\n";
 constexpr std::size_t npos = std::string_view::npos;
+// Line ends are checked this far ahead of the reading at a time: one call per block, and the
+// block still in the cache when it is read.
+constexpr std::size_t checkAhead = 1 << 14;
 
 bool isBlankText(std::string_view text)
 {
@@ -141,6 +144,18 @@ void KNMimeStructureReader::report(Kind kind, const KNCString& path, std::size_t
     output_.defects.push_back(KNMimeDefect{kind, path, toInput_(pos), text});
 }
 
+// Text read in place is checked for line ends other than CRLF as the reading reaches it,
+// while it is in the cache; at the first one, the whole read starts again from a CRLF copy.
+void KNMimeStructureReader::ensureChecked(std::size_t upTo)
+{
+    if (unchecked_ == nullptr || upTo <= checked_)
+        return;
+    upTo = std::min(upTo, text_.size());
+    if (!unchecked_->isCrlfBetween(checked_, upTo))
+        throw NeedsCrlfCopy{};
+    checked_ = upTo;
+}
+
 std::size_t KNMimeStructureReader::lineEnd(std::size_t pos) const
 {
     const std::size_t end = text_.find(crlf, pos);
@@ -156,9 +171,34 @@ std::size_t KNMimeStructureReader::nextLine(std::size_t pos) const
 KNMimePart KNMimeStructureReader::readStored(std::string_view stored, const OffsetMap& toInput, const KNCString& path,
                                              unsigned levels, bool openAttachedMessages, Output& output)
 {
-    const KNMimeStoredText text(stored);
+    const std::size_t entities = output.entities.size();
+    const std::size_t defects = output.defects.size();
+    // Text whose first line ends with a bare LF (as mail stored on Unix does) goes straight
+    // to the copy: starting to read it in place would only be undone.
+    const std::size_t firstLineFeed = stored.find('\n');
+    const bool crlf = firstLineFeed == npos ? stored.find('\r') == npos
+                                            : firstLineFeed > 0 && stored[firstLineFeed - 1] == '\r';
+    try {
+        if (crlf) {
+            const KNMimeStoredText text(stored, false);
+            return readText(text, true, toInput, path, levels, openAttachedMessages, output);
+        }
+    } catch (const NeedsCrlfCopy&) {
+        output.entities.erase(output.entities.begin() + static_cast<std::ptrdiff_t>(entities), output.entities.end());
+        output.defects.erase(output.defects.begin() + static_cast<std::ptrdiff_t>(defects), output.defects.end());
+    }
+    const KNMimeStoredText text(stored, true);
+    return readText(text, false, toInput, path, levels, openAttachedMessages, output);
+}
+
+KNMimePart KNMimeStructureReader::readText(const KNMimeStoredText& text, bool checkLineEnds, const OffsetMap& toInput,
+                                           const KNCString& path, unsigned levels, bool openAttachedMessages,
+                                           Output& output)
+{
     const OffsetMap map = [&](std::size_t pos) { return toInput(text.inputOffset(pos)); };
     KNMimeStructureReader reader(text.text(), map, path, levels, openAttachedMessages, output);
+    if (checkLineEnds)
+        reader.unchecked_ = &text;
     if (text.hadByteOrderMark())
         output.defects.push_back(KNMimeDefect{Kind::ByteOrderMark, path, toInput(0), "byte-order mark before the headers dropped"});
     if (text.firstBareCarriageReturn() != KNMimeStoredText::none)
@@ -230,6 +270,7 @@ KNMimePart KNMimeStructureReader::read(std::size_t start)
         cursor = head.bodyStart;
         beginEntity(std::move(head), path, after);
     }
+    ensureChecked(text_.size()); // what no step above looked at, such as a single part's body
     if (!leaf_.empty())
         finishLeaf(text_.size());
     while (!frames_.empty())
@@ -267,6 +308,7 @@ KNMimeStructureReader::Head KNMimeStructureReader::readHead(std::size_t pos, con
         }
         const std::size_t end = lineEnd(p);
         const std::size_t next = end == text_.size() ? end : end + crlf.size();
+        ensureChecked(std::max(next, p + checkAhead));
         const std::string_view line = text_.substr(p, end - p);
         Delimiter match;
         if (line.empty() || (line[0] == '-' && matchDelimiter(p, end, match))) {
@@ -363,19 +405,26 @@ bool KNMimeStructureReader::reusesEnclosingBoundary(std::size_t frame) const
 }
 
 // The next delimiter line at or after `from`, which starts a line. Dashes are rare in most
-// bodies (base64 has none), so the scan jumps from one "-" to the next.
-std::size_t KNMimeStructureReader::findDelimiterLine(std::size_t from, Delimiter& match) const
+// bodies (base64 has none), so the scan jumps from one "-" to the next; it goes block by block
+// so that line ends are checked while the block is in the cache.
+std::size_t KNMimeStructureReader::findDelimiterLine(std::size_t from, Delimiter& match)
 {
+    constexpr std::size_t block = checkAhead;
     const char* const data = text_.data();
     const std::size_t n = text_.size();
     std::size_t p = from;
     while (p < n) {
-        const void* hit = std::memchr(data + p, '-', n - p);
-        if (hit == nullptr)
-            return npos;
+        const std::size_t blockEnd = std::min(n, p + block);
+        ensureChecked(blockEnd);
+        const void* hit = std::memchr(data + p, '-', blockEnd - p);
+        if (hit == nullptr) {
+            p = blockEnd;
+            continue;
+        }
         const std::size_t q = static_cast<const char*>(hit) - data;
         if (q + 1 < n && data[q + 1] == '-' && (q == from || data[q - 1] == '\n')) {
             const std::size_t end = lineEnd(q);
+            ensureChecked(end == n ? n : end + crlf.size());
             if (matchDelimiter(q, end, match))
                 return q;
             p = end;

@@ -1,10 +1,10 @@
 #ifndef KN_MAIL_INTERNAL_KNMIMESTOREDTEXT_H
 #define KN_MAIL_INTERNAL_KNMIMESTOREDTEXT_H
 
-// A message as stored, seen with CRLF line ends throughout: bare LF and bare CR become CRLF
-// and a leading UTF-8 byte-order mark is dropped, in one pass and only when needed (CRLF
-// text is used in place). Positions in the text map back to offsets in the input. Not
-// installed: internal to the reader.
+// A message as stored, a leading UTF-8 byte-order mark dropped, either used in place (for
+// text the reader expects to have CRLF line ends, which it checks as it reads) or copied with
+// every bare LF and bare CR made CRLF. Positions in the text map back to offsets in the input.
+// Not installed: internal to the reader.
 
 #include <foundation/KNCString.h>
 
@@ -16,8 +16,9 @@ class KNMimeStoredText {
 public:
     static constexpr std::size_t none = static_cast<std::size_t>(-1);
 
-    // `input` must outlive this object when it already has CRLF line ends.
-    explicit KNMimeStoredText(std::string_view input);
+    // With `makeCrlf` false the text is `input` itself (less a byte-order mark), which must
+    // then outlive this object; with it true, a copy whose line ends are all CRLF.
+    KNMimeStoredText(std::string_view input, bool makeCrlf);
     KNMimeStoredText(const KNMimeStoredText&) = delete;
     KNMimeStoredText& operator=(const KNMimeStoredText&) = delete;
 
@@ -25,6 +26,11 @@ public:
     // The input offset of the byte at `pos` in text(); an inserted line-end byte maps to
     // the input byte that follows it.
     std::size_t inputOffset(std::size_t pos) const;
+
+    // Whether every CR in text() at positions [begin, end) is followed by an LF and every LF
+    // there follows a CR (a byte at the edge of the range is paired with its neighbour
+    // outside it).
+    bool isCrlfBetween(std::size_t begin, std::size_t end) const;
 
     bool hadByteOrderMark() const { return byteOrderMark_; }
     // Input offsets of the first bare CR, and of the first bare LF when the input also has

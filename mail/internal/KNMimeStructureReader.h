@@ -17,6 +17,8 @@
 #include <string_view>
 #include <vector>
 
+class KNMimeStoredText;
+
 class KNMimeStructureReader {
 public:
     // Where the entities and defects of a whole read go, attached messages included.
@@ -35,12 +37,15 @@ public:
     // Reads the message from `start` (after any prefix the caller skipped) and returns it.
     KNMimePart read(std::size_t start);
 
-    // Reads a whole stored text, line ends and prefixes included, as message `path`.
+    // Reads a whole stored text, line ends and prefixes included, as message `path`. Text
+    // with CRLF line ends is read in place, its line ends checked as the reading goes; other
+    // text (or CRLF text that turns out to hold a bare CR or LF) is read from a CRLF copy.
     static KNMimePart readStored(std::string_view stored, const OffsetMap& toInput, const KNCString& path,
                                  unsigned levels, bool openAttachedMessages, Output& output);
 
 private:
     struct Frame;
+    struct NeedsCrlfCopy {}; // thrown by ensureChecked: read again from a CRLF copy
     struct Leaf;
     struct Head {
         std::vector<KNMimeHeader> headers;
@@ -53,10 +58,13 @@ private:
         bool close = false;
     };
 
+    static KNMimePart readText(const KNMimeStoredText& text, bool checkLineEnds, const OffsetMap& toInput,
+                               const KNCString& path, unsigned levels, bool openAttachedMessages, Output& output);
+    void ensureChecked(std::size_t upTo);
     Head readHead(std::size_t pos, const KNCString& path, bool atRoot);
     void addField(std::size_t start, std::size_t end, const KNCString& path, Head& head);
     bool matchDelimiter(std::size_t pos, std::size_t lineEnd, Delimiter& match) const;
-    std::size_t findDelimiterLine(std::size_t from, Delimiter& match) const;
+    std::size_t findDelimiterLine(std::size_t from, Delimiter& match);
     bool reusesEnclosingBoundary(std::size_t frame) const;
     void beginEntity(Head head, const KNCString& path, std::size_t start);
     void finishLeaf(std::size_t end);
@@ -76,6 +84,8 @@ private:
     Output& output_;
     std::vector<Frame> frames_;
     std::vector<Leaf> leaf_; // at most one leaf whose body is still open
+    const KNMimeStoredText* unchecked_ = nullptr; // text whose line ends are checked as read
+    std::size_t checked_ = 0;                     // ... up to here
     KNMimePart message_;
 };
 

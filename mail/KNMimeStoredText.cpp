@@ -24,7 +24,7 @@ KNMimeStoredText::KNMimeStoredText(std::string_view input, bool makeCrlf)
 // A CR at i and an LF at i + 1 go together: a CR not followed by an LF, or an LF not after a
 // CR, is a position where one stands without the other. An OR over the bytes with no branch
 // in the loop, which the compiler turns into vector code.
-#if defined(__x86_64__) && defined(__GNUC__) && defined(__ELF__)
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && defined(__ELF__)
 __attribute__((target_clones("avx2", "default")))
 #endif
 bool KNMimeStoredText::isCrlfBetween(std::size_t begin, std::size_t end) const

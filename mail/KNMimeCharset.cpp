@@ -48,7 +48,7 @@ constexpr SingleByteTable windows1252;
 enum class Builtin { None, Utf8, Windows1252, Guess };
 
 struct Alias {
-    const char* label;
+    std::string_view label; // a view, so that comparing sizes rules most labels out at once
     const char* name;
 };
 
@@ -273,8 +273,10 @@ KNCString KNMimeCharset::canonicalName(std::string_view charset)
     if (charset.empty())
         return "us-ascii";
     KNCString name = knToLower(charset);
+    if (name == "utf-8" || name == "us-ascii") // most mail says one of these
+        return name;
     for (const Alias& alias : aliases) {
-        if (name == alias.label)
+        if (std::string_view(name) == alias.label)
             return alias.name;
     }
     return name;

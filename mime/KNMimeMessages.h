@@ -24,7 +24,7 @@ KNMIME_EXPORT const KNCatMsg* knmime_INVALID_BASE64_CHAR();
 KNMIME_EXPORT const KNCatMsg* knmime_INVALID_VERSION();
 KNMIME_EXPORT const KNCatMsg* knmime_INVALID_LABEL();  // public, though nothing in the library throws it
 KNMIME_EXPORT const KNCatMsg* knmime_INVALID_TOKEN();
-KNMIME_EXPORT const KNCatMsg* knmime_INVALID_VALUE();  // public, though nothing in the library throws it
+KNMIME_EXPORT const KNCatMsg* knmime_INVALID_VALUE();
 KNMIME_EXPORT const KNCatMsg* knmime_INVALID_CHARSET();
 KNMIME_EXPORT const KNCatMsg* knmime_NESTING_TOO_DEEP();  // argument: the nesting limit
 

@@ -8,6 +8,7 @@
 #include <foundation/KNBoundsErr.h>
 
 #include <cstddef>
+#include <iterator>
 #include <vector>
 
 template <class T>
@@ -49,6 +50,12 @@ public:
     }
 
     void clear() noexcept { items_.clear(); }
+    // Moves every item to the end of `out`, leaving the list empty.
+    void moveAllTo(std::vector<T>& out)
+    {
+        out.insert(out.end(), std::make_move_iterator(items_.begin()), std::make_move_iterator(items_.end()));
+        items_.clear();
+    }
     void reserve(std::size_t n) { items_.reserve(n); }
 
     friend bool operator==(const KNTOrderedList& a, const KNTOrderedList& b) { return a.items_ == b.items_; }

@@ -27,5 +27,6 @@ KNMIME_EXPORT const KNCatMsg* knmime_INVALID_TOKEN();
 KNMIME_EXPORT const KNCatMsg* knmime_INVALID_VALUE();
 KNMIME_EXPORT const KNCatMsg* knmime_INVALID_CHARSET();
 KNMIME_EXPORT const KNCatMsg* knmime_NESTING_TOO_DEEP();  // argument: the nesting limit
+KNMIME_EXPORT const KNCatMsg* knmime_CYCLIC_PART();
 
 #endif

@@ -3,6 +3,7 @@
 
 // The Content-Description header: free text describing a part, kept exactly as given.
 
+#include <foundation/KNCStringConstant.h>
 #include <mime/KNMimeTypedHeader.h>
 #include <mime/KNMimeUnstructuredHeaderImp.h>
 
@@ -12,7 +13,7 @@ public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
     explicit KNMimeContentDescriptionHeader(const KNCString& description);
 
-    static const KNCString Label; // "Content-Description"
+    static constexpr KNCStringConstant Label{"Content-Description"};
 
     KNCString getDescription() const;
     void setDescription(const KNCString& description);

@@ -5,6 +5,7 @@
 // (inline, attachment, ...) and its parameters, of which filename has its own accessors.
 
 #include <foundation/KNCString.h>
+#include <foundation/KNCStringConstant.h>
 #include <foundation/KNExport.h>
 #include <foundation/KNHandleBase.h>
 #include <mime/KNMimeContentDispositionImp.h>
@@ -14,7 +15,7 @@ class KNMIME_EXPORT KNMimeContentDisposition
     : public KNHandleBase,
       public KNMimeParameterAccess<KNMimeContentDisposition> {
 public:
-    static const KNCString Filename; // "filename"
+    static constexpr KNCStringConstant Filename{"filename"};
 
     // Empty type, no parameters.
     KNMimeContentDisposition();

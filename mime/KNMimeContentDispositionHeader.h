@@ -3,6 +3,7 @@
 
 // The Content-Disposition header: its value is a disposition type with parameters.
 
+#include <foundation/KNCStringConstant.h>
 #include <mime/KNMimeContentDisposition.h>
 #include <mime/KNMimeContentDispositionHeaderImp.h>
 #include <mime/KNMimeTypedHeader.h>
@@ -13,7 +14,7 @@ public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
     explicit KNMimeContentDispositionHeader(const KNMimeContentDisposition& disposition);
 
-    static const KNCString Label; // "Content-Disposition"
+    static constexpr KNCStringConstant Label{"Content-Disposition"};
 
     // The held disposition, shared: changing it changes this header.
     KNMimeContentDisposition getContentDisposition() const;

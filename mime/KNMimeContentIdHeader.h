@@ -3,6 +3,7 @@
 
 // The Content-ID header: the identifier text of a part, angle brackets included as given.
 
+#include <foundation/KNCStringConstant.h>
 #include <mime/KNMimeStructuredHeaderImp.h>
 #include <mime/KNMimeTypedHeader.h>
 
@@ -11,7 +12,7 @@ public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
     explicit KNMimeContentIdHeader(const KNCString& id);
 
-    static const KNCString Label; // "Content-ID"
+    static constexpr KNCStringConstant Label{"Content-ID"};
 
     KNCString getId() const;
     void setId(const KNCString& id);

@@ -3,6 +3,7 @@
 
 // The Content-Location header: the URI a part is known by.
 
+#include <foundation/KNCStringConstant.h>
 #include <mime/KNMimeStructuredHeaderImp.h>
 #include <mime/KNMimeTypedHeader.h>
 
@@ -12,7 +13,7 @@ public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
     explicit KNMimeContentLocationHeader(const KNCString& uri);
 
-    static const KNCString Label; // "Content-Location"
+    static constexpr KNCStringConstant Label{"Content-Location"};
 
     KNCString getURI() const;
     void setURI(const KNCString& uri);

@@ -3,6 +3,7 @@
 
 // The Content-Transfer-Encoding header: its value is the name of the body's encoding.
 
+#include <foundation/KNCStringConstant.h>
 #include <mime/KNMimeContentTransferEncodingHeaderImp.h>
 #include <mime/KNMimeTypedHeader.h>
 
@@ -12,7 +13,7 @@ public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
     explicit KNMimeContentTransferEncodingHeader(const KNCString& encoding);
 
-    static const KNCString Label; // "Content-Transfer-Encoding"
+    static constexpr KNCStringConstant Label{"Content-Transfer-Encoding"};
 
     KNCString getEncoding() const;
     // Stored as given; checked only when printed.

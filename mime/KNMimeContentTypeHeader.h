@@ -3,6 +3,7 @@
 
 // The Content-Type header: its value is a media type with parameters.
 
+#include <foundation/KNCStringConstant.h>
 #include <mime/KNMimeContentType.h>
 #include <mime/KNMimeContentTypeHeaderImp.h>
 #include <mime/KNMimeTypedHeader.h>
@@ -13,7 +14,7 @@ public:
     using KNMimeTypedHeader::KNMimeTypedHeader;
     explicit KNMimeContentTypeHeader(const KNMimeContentType& contentType);
 
-    static const KNCString Label; // "Content-Type"
+    static constexpr KNCStringConstant Label{"Content-Type"};
 
     // The held content type, shared: changing its parameters changes this header.
     KNMimeContentType getContentType() const;

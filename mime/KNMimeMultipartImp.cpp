@@ -37,9 +37,6 @@ public:
 };
 } // namespace
 
-const KNCString KNMimeMultipartImp::CRLF = "\r\n";
-const KNCString KNMimeMultipartImp::boundaryMarker = "--";
-
 // The nested parts are let go here one at a time rather than by the list's destructor: a
 // multipart whose last handle is about to go hands its own parts over first, so a chain of
 // any length is torn down in a loop, not by one destructor call per level.

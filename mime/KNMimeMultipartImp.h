@@ -6,6 +6,7 @@
 // parse reads it from the part's own Content-Type header.
 
 #include <foundation/KNCString.h>
+#include <foundation/KNCStringConstant.h>
 #include <foundation/KNExport.h>
 #include <foundation/KNTOrderedList.h>
 #include <mime/KNMimeHeader.h>
@@ -16,8 +17,8 @@
 
 class KNMIME_EXPORT KNMimeMultipartImp : public KNMimePartImp {
 public:
-    static const KNCString CRLF;           // "\r\n"
-    static const KNCString boundaryMarker; // "--"
+    static constexpr KNCStringConstant CRLF{"\r\n"};
+    static constexpr KNCStringConstant boundaryMarker{"--"};
 
     // No headers, empty preamble, no parts.
     KNMimeMultipartImp() = default;

@@ -3,6 +3,7 @@
 
 // The MIME-Version header: a major and a minor version number.
 
+#include <foundation/KNCStringConstant.h>
 #include <mime/KNMimeTypedHeader.h>
 #include <mime/KNMimeVersionHeaderImp.h>
 
@@ -13,7 +14,7 @@ public:
     KNMimeVersionHeader();
     KNMimeVersionHeader(unsigned majorVersion, unsigned minorVersion);
 
-    static const KNCString Label; // "MIME-Version"
+    static constexpr KNCStringConstant Label{"MIME-Version"};
 
     unsigned getMajorVersion() const;
     unsigned getMinorVersion() const;

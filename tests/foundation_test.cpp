@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <functional>
 #include <random>
 #include <thread>
 #include <vector>
@@ -179,6 +180,12 @@ TEST(KNTFunctorR0Test, WrapsCallablesAndSharesTargetsOnCopy)
     EXPECT_FALSE(copy.sharesTargetWith(fromPointer));
     int (*nullFunction)() = nullptr;
     EXPECT_FALSE(KNTFunctorR0<int>(nullFunction));
+    // An empty std::function is empty too: calling throws the library's error, not
+    // std::bad_function_call.
+    const KNTFunctorR0<int> fromEmptyFunction{std::function<int()>()};
+    EXPECT_FALSE(fromEmptyFunction);
+    EXPECT_THROW(fromEmptyFunction(), KNTHRInvalidPointer);
+    EXPECT_EQ(KNTFunctorR0<int>(std::function<int()>(&fortyTwo))(), 42);
 }
 
 TEST(KNSubstringFinderTest, AgreesWithFindOnRandomTexts)

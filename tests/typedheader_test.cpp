@@ -74,6 +74,15 @@ TEST(KNMimeTypedHeaderTest, RefusesLabelsValuesAndMissingBodiesWithExactMessages
     EXPECT_EQ(three.asString(), "MIME-Version: 2.7");
     expectError<KNMimeParseError>([&] { three.fromString("MIME-Version: 9"); }, version + "9\"");
     EXPECT_EQ(three.asString(), "MIME-Version: 9.0"); // a new body, read as far as it went
+    // Numbers beyond 32 bits are refused rather than wrapped; the largest one reads.
+    for (const KNCString big : {"99999999999.1", "4294967296.0", "1.4294967296", "-4294967296.0"})
+        expectError<KNMimeParseError>([&] { three.body()->setValueFromString(big); }, version + big + "\"");
+    EXPECT_EQ(three.asString(), "MIME-Version: 1.0");
+    three.body()->setValueFromString(" +4294967295. \t\v7");
+    EXPECT_EQ(three.asString(), "MIME-Version: 4294967295.7");
+    expectError<KNMimeParseError>([&] { three.body()->setValueFromString("3 .1"); }, version + "3 .1\"");
+    expectError<KNMimeParseError>([&] { three.body()->setValueFromString("5.+"); }, version + "5.+\"");
+    EXPECT_EQ(three.asString(), "MIME-Version: 5.7");
 
     const KNCString invalid = "Invalid pointer";
     expectError<KNTHRInvalidPointer>([] { KNMimeVersionHeader(nullptr).getMajorVersion(); }, invalid);

@@ -14,6 +14,7 @@
 #include <functional>
 #include <random>
 #include <thread>
+#include <typeinfo>
 #include <vector>
 
 namespace {
@@ -49,10 +50,15 @@ TEST(KNxmsgTest, RaiseThrowsTheMostDerivedType)
     const KNxmsg& base = bounds;
     EXPECT_THROW(base.raise(), KNBoundsErr);
     EXPECT_EQ(KNTHRInvalidPointer().why(), "Invalid pointer");
+    EXPECT_THROW(static_cast<const KNxmsg&>(KNTHRInvalidPointer()).raise(), KNTHRInvalidPointer);
+    // The base class throws a copy of itself too.
+    const KNxmsg plain(KNCString("plain text"));
     try {
-        static_cast<const KNxmsg&>(KNTHRInvalidPointer()).raise();
-    } catch (const KNTHRInvalidPointer& e) {
-        EXPECT_EQ(e.why(), "Invalid pointer");
+        plain.raise();
+        ADD_FAILURE() << "raise() returned";
+    } catch (const KNxmsg& e) {
+        EXPECT_TRUE(typeid(e) == typeid(KNxmsg));
+        EXPECT_EQ(e.why(), "plain text");
     }
 }
 

@@ -95,6 +95,11 @@ TEST(Lexical, FoldBreaksOnlyAtBlanks)
     // Without a usable blank inside the limit the line breaks at the first blank after it.
     EXPECT_EQ(U::fold(KNCString(100, 'x') + " tail"), KNCString(100, 'x') + "\r\n tail");
     EXPECT_EQ(U::fold(KNCString(80, ' ') + "yyy zz"), KNCString(79, ' ') + "\r\n yyy zz");
+    // Each existing line on its own: the blank of a short first line is no break point for
+    // the long line after it. A lone CR is no line end, and the scan goes on past it.
+    EXPECT_EQ(U::fold("x y\r\n" + KNCString(100, 'z')), "x y\r\n" + KNCString(100, 'z'));
+    EXPECT_EQ(U::fold("a\rb " + KNCString(90, 'c') + "\r\n\r"), "a\rb\r\n " + KNCString(90, 'c') + "\r\n\r");
+    EXPECT_EQ(U::fold(KNCString(79, '\r') + " x"), KNCString(79, '\r') + "\r\n x");
 
     std::mt19937 rng(13);
     const KNCString alphabets[] = {KNCString(150, 'a') + " \t", "aaaaaaaaaaaaaaaaaaaaaaaaa \t"};

@@ -284,6 +284,16 @@ TEST(Multipart, EqualityOfMultipartsAndTheStringAsymmetry)
     EXPECT_FALSE(unprintable == KNMimePart());
     EXPECT_FALSE(KNMimePart() == unprintable);
     EXPECT_TRUE(unprintable == KNMimeMultipart()); // two multipart bodies: nothing printed
+    EXPECT_FALSE(unprintable != KNMimeMultipart());
+    EXPECT_TRUE(text != a);
+    EXPECT_TRUE(*text.body() != *a.body()); // the bodies' own operators agree
+    EXPECT_FALSE(*a.body() != *a.body());
+
+    // The preamble set through a handle reads back and prints before the first delimiter.
+    KNMimeMultipart withPreamble = withBody("--b\r\n\r\nx\r\n--b--");
+    withPreamble.setPreamble("set by hand");
+    EXPECT_EQ(withPreamble.getPreamble(), "set by hand");
+    EXPECT_EQ(withPreamble.getBody(), "set by hand\r\n--b\r\n\r\nx\r\n--b--\r\n");
 }
 
 TEST(Multipart, MangledMessagesGiveCatalogueErrorsOnly)

@@ -1,9 +1,12 @@
 // The typed header handles: conversion from a general header, typed values, and the
 // generic header for labels the factory does not know.
 #include <foundation/KNTHRInvalidPointer.h>
+#include <mime/KNMimeContentDescriptionHeader.h>
 #include <mime/KNMimeContentIdHeader.h>
+#include <mime/KNMimeContentLocationHeader.h>
 #include <mime/KNMimeContentTransferEncodingHeader.h>
 #include <mime/KNMimeContentTypeHeader.h>
+#include <mime/KNMimeContentTypeImp.h>
 #include <mime/KNMimeError.h>
 #include <mime/KNMimeGenericHeader.h>
 #include <mime/KNMimeVersionHeader.h>
@@ -91,6 +94,27 @@ TEST(KNMimeTypedHeaderTest, RefusesLabelsValuesAndMissingBodiesWithExactMessages
     const KNMimeHeader relabelled("X-Version");
     relabelled.body()->setLabel("MIME-Version");
     expectError<KNTHRInvalidPointer>([&] { KNMimeVersionHeader(relabelled).getMajorVersion(); }, invalid);
+}
+
+TEST(KNMimeTypedHeaderTest, SettersReadBackAndPrint)
+{
+    KNMimeContentIdHeader id("<a@b>");
+    EXPECT_EQ(id.getId(), "<a@b>");
+    id.setId("<c@d>");
+    EXPECT_EQ(id.getId() + "|" + id.asString(), "<c@d>|Content-ID: <c@d>");
+    KNMimeContentLocationHeader location("http://example.net/a");
+    EXPECT_EQ(location.getURI(), "http://example.net/a");
+    location.setURI("b.png");
+    EXPECT_EQ(location.getURI() + "|" + location.asString(), "b.png|Content-Location: b.png");
+    KNMimeContentDescriptionHeader description("first");
+    EXPECT_EQ(description.getDescription(), "first");
+    description.setDescription("second one");
+    EXPECT_EQ(description.getDescription() + "|" + description.asString(),
+              "second one|Content-Description: second one");
+    KNMimeContentTypeHeader type;
+    type.getContentType().body()->setMediaType("image");
+    type.getContentType().body()->setSubType("png");
+    EXPECT_EQ(type.asString(), "Content-Type: image/png");
 }
 
 TEST(KNMimeTypedHeaderTest, EachBodyReadsAndComparesItsValueItsOwnWay)

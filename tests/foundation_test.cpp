@@ -28,6 +28,8 @@ TEST(KNMessageTest, FormatsPrintfStyleWithStringArguments)
     EXPECT_EQ(KNMessage(&testMessage, "abc", -1, '*', 0u).str(), "[TEST] abc has -1 items and '*' 0");
     const KNCatMsg plain{"test_", 8, "no placeholders"};
     EXPECT_EQ(KNMessage(&plain).str(), "no placeholders");
+    const KNCatMsg bare{"test_", 10, "%s"};
+    EXPECT_EQ(KNMessage(&bare, "x").str() + "|" + KNMessage(&bare, "").str(), "x|");
 }
 
 TEST(KNMessageTest, CatalogueLookupTranslatesAndFallsBack)

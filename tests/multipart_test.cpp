@@ -223,6 +223,18 @@ TEST(Multipart, InsertingAMultipartIntoItselfOrItsDescendantIsRefused)
     outer.insertPart(innermost);
     outer.insertPartAt(0, inner);
     EXPECT_EQ(outer.getPartCount(), 3u);
+    // Sixty levels that each hold the level below twice: 2^60 paths to the bottom, but the
+    // check visits each shared body once.
+    KNMimeMultipart bottom;
+    KNMimeMultipart top = bottom;
+    for (int i = 0; i < 60; ++i) {
+        KNMimeMultipart up;
+        up.insertPart(top);
+        up.insertPart(top);
+        top = up;
+    }
+    expectError<KNMimeError>([&] { bottom.insertPart(top); }, cyclic);
+    KNMimeMultipart().insertPart(top);
     const KNCString twice = inner.asString();
     EXPECT_EQ(outer.getBody(), "--b\r\n" + twice + "\r\n--b\r\n" + twice + "\r\n--b\r\n" + innermost.asString() +
                                    "\r\n--b--\r\n");

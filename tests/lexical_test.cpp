@@ -56,6 +56,10 @@ TEST(Lexical, ScannersHonourQuotesAndComments)
     EXPECT_EQ(U::cleanToken("a (x\\) y) b", false), "a b");
     EXPECT_EQ(U::cleanToken("a (unclosed", false), "a");
     EXPECT_EQ(U::cleanToken("\"unclosed \\", true), "unclosed ");
+    EXPECT_EQ(U::cleanToken("\"a\\b", true), "ab");          // a quoted pair ending the text
+    EXPECT_EQ(U::cleanToken("\"a\\ \"", true), "a ");        // an escaped blank is data too
+    EXPECT_EQ(U::cleanToken("\"a \"x ", true), "a x");          // a later plain blank is not
+    EXPECT_EQ(U::findDelimiter("abc", '\0'), npos);
     EXPECT_EQ(U::quoteAndEscape("a\"b\\"), "\"a\\\"b\\\\\"");
     EXPECT_EQ(U::quoteAndEscape(""), "\"\"");
     EXPECT_FALSE(U::isToken(""));
@@ -100,6 +104,11 @@ TEST(Lexical, FoldBreaksOnlyAtBlanks)
     EXPECT_EQ(U::fold("x y\r\n" + KNCString(100, 'z')), "x y\r\n" + KNCString(100, 'z'));
     EXPECT_EQ(U::fold("a\rb " + KNCString(90, 'c') + "\r\n\r"), "a\rb\r\n " + KNCString(90, 'c') + "\r\n\r");
     EXPECT_EQ(U::fold(KNCString(79, '\r') + " x"), KNCString(79, '\r') + "\r\n x");
+    // Line ends next to lone CRs and LFs, and a final CR LF, are found exactly: none of
+    // these lines is longer than 78 characters.
+    for (const KNCString& text : {"a \r\r\n" + KNCString(100, 'b'), "a " + KNCString(74, 'b') + "\r\r\n",
+                                  "a " + KNCString(75, 'b') + "\r\n", KNCString("ab\n")})
+        EXPECT_EQ(U::fold(text), text);
 
     std::mt19937 rng(13);
     const KNCString alphabets[] = {KNCString(150, 'a') + " \t", "aaaaaaaaaaaaaaaaaaaaaaaaa \t"};

@@ -211,6 +211,8 @@ TEST(KNSubstringFinderTest, AgreesWithFindOnRandomTexts)
         for (std::size_t from = 0; from <= textLength + 1; ++from)
             ASSERT_EQ(finder.find(text, from), text.find(needle, from)) << text << " / " << needle << " @" << from;
     }
+    // A match may not run into the NUL that follows a string's bytes.
+    EXPECT_EQ(KNSubstringFinder(std::string("a\0", 2)).find(std::string("xa")), std::string_view::npos);
 }
 
 } // namespace

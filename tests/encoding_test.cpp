@@ -57,6 +57,11 @@ TEST(QuotedPrintable, ExactRoundTripAndLineLength)
     EXPECT_EQ(U::decodeQuotedPrintable("a =\r\n\r\nb", true), "a \r\nb"); // kept before a soft break
     EXPECT_EQ(U::decodeQuotedPrintable("a=4", true), "a=4");
     EXPECT_EQ(U::decodeQuotedPrintable("a\rb\n", false), "a\rb\n");
+    // A '=' without a CR LF pair, or with one hexadecimal digit, stays literal; a decoded
+    // blank ending a line is trailing white space like any other.
+    EXPECT_EQ(U::decodeQuotedPrintable("a=\rb=\nc=4G=G4", false), "a=\rb=\nc=4G=G4");
+    EXPECT_EQ(U::decodeQuotedPrintable("=20\r\nx", true), "\r\nx");
+    EXPECT_EQ(U::encodeQuotedPrintable("\r\nx"), "\r\nx");
     // Hexadecimal digits of either case, at both ends of each range.
     EXPECT_EQ(U::decodeQuotedPrintable("=3a=3f=3A=3F=0a=FA=af=09", false), ":?:?\n\xfa\xaf\t");
     // A blank before each of 3000 line ends: every one protected by a soft break, so the

@@ -133,6 +133,8 @@ TEST(Lexical, TokenizeHeader)
 {
     using L = KNCStringList;
     EXPECT_EQ(U::tokenizeHeader("x", false), L{}); // a one-byte rest is dropped, deliberately
+    // Leading white space is kept, white space between words dropped, text after them kept.
+    EXPECT_EQ(U::tokenizeHeader(" =?a?Q?b?= =?c?Q?d?= xy", false), (L{" ", "=?a?Q?b?=", "=?c?Q?d?=", " xy"}));
     EXPECT_EQ(U::tokenizeHeader("(=?a?Q?x?=)", true), (L{"(", "=?a?Q?x?="}));
     EXPECT_EQ(U::tokenizeHeader("(=?a?Q?x?=)", false), L{"(=?a?Q?x?=)"});
     EXPECT_EQ(U::tokenizeHeader("  hi =?a?Q?x?=  =?a?Q?y?= there", false),

@@ -83,9 +83,11 @@ TEST(KNMimeTypedHeaderTest, RefusesLabelsValuesAndMissingBodiesWithExactMessages
     EXPECT_EQ(three.asString(), "MIME-Version: 1.0");
     three.body()->setValueFromString(" +4294967295. \t\v7");
     EXPECT_EQ(three.asString(), "MIME-Version: 4294967295.7");
+    three.body()->setValueFromString("10.\"\t\v20\"");
+    EXPECT_EQ(three.asString(), "MIME-Version: 10.20");
     expectError<KNMimeParseError>([&] { three.body()->setValueFromString("3 .1"); }, version + "3 .1\"");
     expectError<KNMimeParseError>([&] { three.body()->setValueFromString("5.+"); }, version + "5.+\"");
-    EXPECT_EQ(three.asString(), "MIME-Version: 5.7");
+    EXPECT_EQ(three.asString(), "MIME-Version: 5.20");
 
     const KNCString invalid = "Invalid pointer";
     expectError<KNTHRInvalidPointer>([] { KNMimeVersionHeader(nullptr).getMajorVersion(); }, invalid);

@@ -23,8 +23,10 @@ public:
                                        std::is_invocable_r_v<R, F&>>>
     KNTFunctorR0(F&& callable) // NOLINT: converting on purpose, like std::function
     {
-        if constexpr (std::is_pointer_v<std::decay_t<F>>) {
-            if (callable == nullptr)
+        // A null function pointer or an empty std::function is no target: the functor stays
+        // empty and calling it throws KNTHRInvalidPointer, not std::bad_function_call.
+        if constexpr (std::is_pointer_v<std::decay_t<F>> || IsStdFunction<std::decay_t<F>>::value) {
+            if (!callable)
                 return;
         }
         target_ = std::make_shared<const std::function<R()>>(std::forward<F>(callable));
@@ -45,6 +47,11 @@ public:
     bool sharesTargetWith(const KNTFunctorR0& other) const noexcept { return target_ == other.target_; }
 
 private:
+    template <class T>
+    struct IsStdFunction : std::false_type {};
+    template <class Signature>
+    struct IsStdFunction<std::function<Signature>> : std::true_type {};
+
     std::shared_ptr<const std::function<R()>> target_;
 };
 

@@ -9,6 +9,7 @@
 #include <foundation/KNBoundsErr.h>
 
 #include <cstddef>
+#include <iterator>
 #include <vector>
 
 template <class T>
@@ -59,6 +60,12 @@ public:
 
     /// Removes every item.
     void clear() noexcept { items_.clear(); }
+    /// Moves every item to the end of `out`, leaving the list empty.
+    void moveAllTo(std::vector<T>& out)
+    {
+        out.insert(out.end(), std::make_move_iterator(items_.begin()), std::make_move_iterator(items_.end()));
+        items_.clear();
+    }
     /// Reserves room for `n` items.
     void reserve(std::size_t n) { items_.reserve(n); }
 

@@ -1,7 +1,5 @@
 #include <mime/KNMimeContentDescriptionHeader.h>
 
-const KNCString KNMimeContentDescriptionHeader::Label = "Content-Description";
-
 KNMimeContentDescriptionHeader::KNMimeContentDescriptionHeader(const KNCString& description)
 {
     setDescription(description);

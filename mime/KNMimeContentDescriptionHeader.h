@@ -4,6 +4,7 @@
 /// @class KNMimeContentDescriptionHeader
 /// The Content-Description header: free text describing a part, kept exactly as given.
 
+#include <foundation/KNCStringConstant.h>
 #include <mime/KNMimeTypedHeader.h>
 #include <mime/KNMimeUnstructuredHeaderImp.h>
 
@@ -14,7 +15,7 @@ public:
     /// A Content-Description header with the text `description`.
     explicit KNMimeContentDescriptionHeader(const KNCString& description);
 
-    static const KNCString Label; ///< "Content-Description"
+    static constexpr KNCStringConstant Label{"Content-Description"}; ///< "Content-Description"
 
     /// The description as written (encoded words are not decoded).
     KNCString getDescription() const;

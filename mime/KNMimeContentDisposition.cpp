@@ -1,7 +1,5 @@
 #include <mime/KNMimeContentDisposition.h>
 
-const KNCString KNMimeContentDisposition::Filename = "filename";
-
 KNMimeContentDisposition::KNMimeContentDisposition() : KNHandleBase(new KNMimeContentDispositionImp()) {}
 
 KNMimeContentDisposition::KNMimeContentDisposition(const KNCString& type, const KNCString& filename)

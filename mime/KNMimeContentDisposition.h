@@ -6,6 +6,7 @@
 /// (inline, attachment, ...) and its parameters, of which filename has its own accessors.
 
 #include <foundation/KNCString.h>
+#include <foundation/KNCStringConstant.h>
 #include <foundation/KNExport.h>
 #include <foundation/KNHandleBase.h>
 #include <mime/KNMimeContentDispositionImp.h>
@@ -15,7 +16,7 @@ class KNMIME_EXPORT KNMimeContentDisposition
     : public KNHandleBase,
       public KNMimeParameterAccess<KNMimeContentDisposition> {
 public:
-    static const KNCString Filename; ///< "filename"
+    static constexpr KNCStringConstant Filename{"filename"}; ///< "filename"
 
     /// Empty type, no parameters.
     KNMimeContentDisposition();

@@ -1,7 +1,5 @@
 #include <mime/KNMimeContentDispositionHeader.h>
 
-const KNCString KNMimeContentDispositionHeader::Label = "Content-Disposition";
-
 KNMimeContentDispositionHeader::KNMimeContentDispositionHeader(const KNMimeContentDisposition& disposition)
 {
     setContentDisposition(disposition);

@@ -4,6 +4,7 @@
 /// @class KNMimeContentDispositionHeader
 /// The Content-Disposition header: its value is a disposition type with parameters.
 
+#include <foundation/KNCStringConstant.h>
 #include <mime/KNMimeContentDisposition.h>
 #include <mime/KNMimeContentDispositionHeaderImp.h>
 #include <mime/KNMimeTypedHeader.h>
@@ -15,7 +16,7 @@ public:
     /// A Content-Disposition header holding `disposition` (shared, not copied).
     explicit KNMimeContentDispositionHeader(const KNMimeContentDisposition& disposition);
 
-    static const KNCString Label; ///< "Content-Disposition"
+    static constexpr KNCStringConstant Label{"Content-Disposition"}; ///< "Content-Disposition"
 
     /// The held disposition, shared: changing it changes this header.
     KNMimeContentDisposition getContentDisposition() const;

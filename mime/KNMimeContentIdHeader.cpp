@@ -1,7 +1,5 @@
 #include <mime/KNMimeContentIdHeader.h>
 
-const KNCString KNMimeContentIdHeader::Label = "Content-ID";
-
 // Stored exactly as given: no angle brackets are added or removed.
 KNMimeContentIdHeader::KNMimeContentIdHeader(const KNCString& id)
 {

@@ -4,6 +4,7 @@
 /// @class KNMimeContentIdHeader
 /// The Content-ID header: the identifier text of a part, angle brackets included as given.
 
+#include <foundation/KNCStringConstant.h>
 #include <mime/KNMimeStructuredHeaderImp.h>
 #include <mime/KNMimeTypedHeader.h>
 
@@ -13,7 +14,7 @@ public:
     /// A Content-ID header with the value `id` (usually `<unique@host>`).
     explicit KNMimeContentIdHeader(const KNCString& id);
 
-    static const KNCString Label; ///< "Content-ID"
+    static constexpr KNCStringConstant Label{"Content-ID"}; ///< "Content-ID"
 
     /// The id as written.
     KNCString getId() const;

@@ -1,7 +1,5 @@
 #include <mime/KNMimeContentLocationHeader.h>
 
-const KNCString KNMimeContentLocationHeader::Label = "Content-Location";
-
 KNMimeContentLocationHeader::KNMimeContentLocationHeader(const KNCString& uri)
 {
     setURI(uri);

@@ -4,6 +4,7 @@
 /// @class KNMimeContentLocationHeader
 /// The Content-Location header: the URI a part is known by.
 
+#include <foundation/KNCStringConstant.h>
 #include <mime/KNMimeStructuredHeaderImp.h>
 #include <mime/KNMimeTypedHeader.h>
 
@@ -14,7 +15,7 @@ public:
     /// A Content-Location header with the value `uri`.
     explicit KNMimeContentLocationHeader(const KNCString& uri);
 
-    static const KNCString Label; ///< "Content-Location"
+    static constexpr KNCStringConstant Label{"Content-Location"}; ///< "Content-Location"
 
     /// The URI as written.
     KNCString getURI() const;

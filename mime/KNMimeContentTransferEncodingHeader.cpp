@@ -1,7 +1,5 @@
 #include <mime/KNMimeContentTransferEncodingHeader.h>
 
-const KNCString KNMimeContentTransferEncodingHeader::Label = "Content-Transfer-Encoding";
-
 KNMimeContentTransferEncodingHeader::KNMimeContentTransferEncodingHeader(const KNCString& encoding)
 {
     setEncoding(encoding);

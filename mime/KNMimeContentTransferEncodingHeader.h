@@ -4,6 +4,7 @@
 /// @class KNMimeContentTransferEncodingHeader
 /// The Content-Transfer-Encoding header: its value is the name of the body's encoding.
 
+#include <foundation/KNCStringConstant.h>
 #include <mime/KNMimeContentTransferEncodingHeaderImp.h>
 #include <mime/KNMimeTypedHeader.h>
 
@@ -14,7 +15,7 @@ public:
     /// A Content-Transfer-Encoding header naming `encoding` (e.g. KNMimeUtils::Base64).
     explicit KNMimeContentTransferEncodingHeader(const KNCString& encoding);
 
-    static const KNCString Label; ///< "Content-Transfer-Encoding"
+    static constexpr KNCStringConstant Label{"Content-Transfer-Encoding"}; ///< "Content-Transfer-Encoding"
 
     /// The encoding name as written; compare it ignoring case.
     KNCString getEncoding() const;

@@ -1,7 +1,5 @@
 #include <mime/KNMimeContentTypeHeader.h>
 
-const KNCString KNMimeContentTypeHeader::Label = "Content-Type";
-
 KNMimeContentTypeHeader::KNMimeContentTypeHeader(const KNMimeContentType& contentType)
 {
     setContentType(contentType);

@@ -4,6 +4,7 @@
 /// @class KNMimeContentTypeHeader
 /// The Content-Type header: its value is a media type with parameters.
 
+#include <foundation/KNCStringConstant.h>
 #include <mime/KNMimeContentType.h>
 #include <mime/KNMimeContentTypeHeaderImp.h>
 #include <mime/KNMimeTypedHeader.h>
@@ -15,7 +16,7 @@ public:
     /// A Content-Type header holding `contentType` (shared, not copied).
     explicit KNMimeContentTypeHeader(const KNMimeContentType& contentType);
 
-    static const KNCString Label; ///< "Content-Type"
+    static constexpr KNCStringConstant Label{"Content-Type"}; ///< "Content-Type"
 
     /// The held content type, shared: changing its parameters changes this header.
     KNMimeContentType getContentType() const;

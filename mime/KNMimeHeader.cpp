@@ -14,11 +14,13 @@
 namespace {
 
 // The factory, held once for this file: a header made per line should not pay for the
-// counted pointer's two atomic updates that instance() costs each time.
+// counted pointer's two atomic updates that instance() costs each time. The hold is never
+// let go, so headers can be made from static destructors too.
 const KNMimeHeaderFactory& factory()
 {
-    static const KNTCountingPointer<KNMimeHeaderFactory, KNAtomicCounter> held = KNMimeHeaderFactory::instance();
-    return *held;
+    static const auto* const held =
+        new KNTCountingPointer<KNMimeHeaderFactory, KNAtomicCounter>(KNMimeHeaderFactory::instance());
+    return **held;
 }
 
 struct SplitLine {

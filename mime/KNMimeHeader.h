@@ -32,6 +32,7 @@ public:
     /// The label as written (compare it ignoring case).
     KNCString getLabel() const;
     /// "label: value", folded at 78 columns, without a final line end.
+    /// A value holding a CR or LF outside a fold is refused (INVALID_VALUE).
     KNCString asString() const;
     /// Parses one (possibly folded) header line; the handle gets a new body from the factory.
     void fromString(const KNCString& text);

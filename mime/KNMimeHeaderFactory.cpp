@@ -1,6 +1,5 @@
 #include <mime/KNMimeHeaderFactory.h>
 
-#include <foundation/KNOnce.h>
 #include <foundation/KNTHRInvalidPointer.h>
 #include <mime/KNMimeContentDispositionHeaderImp.h>
 #include <mime/KNMimeContentTransferEncodingHeaderImp.h>
@@ -21,12 +20,12 @@ constexpr std::size_t initialBuckets = 61;
 
 KNTCountingPointer<KNMimeHeaderFactory, KNAtomicCounter> KNMimeHeaderFactory::instance()
 {
-    // Local statics, so a header made during another file's static initialisation still
-    // finds them ready; the guard makes concurrent first callers wait for one construction.
-    static KNOnce once;
-    static KNTCountingPointer<KNMimeHeaderFactory, KNAtomicCounter> factory;
-    once.run([] { factory = KNTCountingPointer<KNMimeHeaderFactory, KNAtomicCounter>(new (std::nothrow) KNMimeHeaderFactory); });
-    return factory;
+    // Made on first use, so a header made during another file's static initialisation finds
+    // it ready (concurrent first callers wait for one construction), and never destroyed,
+    // so a header made by a static destructor at exit finds it still there.
+    static const auto* const factory =
+        new KNTCountingPointer<KNMimeHeaderFactory, KNAtomicCounter>(new (std::nothrow) KNMimeHeaderFactory);
+    return *factory;
 }
 
 // The labels are literals, not the typed headers' Label constants, which may not be

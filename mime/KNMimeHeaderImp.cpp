@@ -28,6 +28,19 @@ bool isPrintableLabel(const KNCString& label) noexcept
     return true;
 }
 
+// True when a CR or LF in the value is not part of a fold (CR LF then a blank or a tab):
+// such a byte would end the header line early, so that the rest reads as another header
+// or ends the header block.
+bool hasLineBreakOutsideFold(const KNCString& value) noexcept
+{
+    for (std::size_t i = value.find_first_of("\r\n"); i != KNCString::npos; i = value.find_first_of("\r\n", i)) {
+        if (value[i] == '\n' || i + 2 >= value.size() || value[i + 1] != '\n' || !KNMimeScan::isBlank(value[i + 2]))
+            return true;
+        i += 3;
+    }
+    return false;
+}
+
 } // namespace
 
 KNMimeHeaderImp::~KNMimeHeaderImp() = default;
@@ -49,6 +62,8 @@ KNCString KNMimeHeaderImp::asString() const
     if (!isPrintableLabel(label_))
         KNThrow(KNMimeError(KNMessage(knmime_INVALID_VERSION(), label_)));
     const KNCString value = getValueAsString();
+    if (hasLineBreakOutsideFold(value))
+        KNThrow(KNMimeError(KNMessage(knmime_INVALID_VALUE(), value)));
     KNCString line;
     line.reserve(label_.size() + 2 + value.size());
     line.append(label_).append(": ").append(value);

@@ -27,7 +27,8 @@ public:
     /// The label as written.
     KNCString getLabel() const { return label_; }
     /// "label: value" folded at 78 columns; a label that is empty or holds a blank, colon,
-    /// control character or DEL is refused.
+    /// control character or DEL is refused, and so is a value holding a CR or LF that is
+    /// not part of a fold (INVALID_VALUE), which would start another header line.
     KNCString asString() const;
     /// Labels equal ignoring case.
     bool compareLabelTo(const KNMimeHeaderImp& other) const;

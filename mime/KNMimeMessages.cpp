@@ -22,6 +22,7 @@ const KNCatMsg KNMIMEMSG_INVALID_TOKEN{domain, 32783, "[INVALID_TOKEN] The follo
 const KNCatMsg KNMIMEMSG_INVALID_VALUE{domain, 32784, "[INVALID_VALUE] The following is not a valid header value:  \"%s\""};
 const KNCatMsg KNMIMEMSG_INVALID_CHARSET{domain, 32785, "[INVALID_CHARSET] The following is not a valid charset:  \"%s\""};
 const KNCatMsg KNMIMEMSG_NESTING_TOO_DEEP{domain, 32786, "[NESTING_TOO_DEEP] Multipart nesting exceeds %u levels"};
+const KNCatMsg KNMIMEMSG_CYCLIC_PART{domain, 32787, "[CYCLIC_PART] A multipart cannot contain itself"};
 } // namespace
 
 const KNCatMsg* knmime_INVALID_HEADER_CONVERSION()
@@ -117,4 +118,9 @@ const KNCatMsg* knmime_INVALID_CHARSET()
 const KNCatMsg* knmime_NESTING_TOO_DEEP()
 {
     return &KNMIMEMSG_NESTING_TOO_DEEP;
+}
+
+const KNCatMsg* knmime_CYCLIC_PART()
+{
+    return &KNMIMEMSG_CYCLIC_PART;
 }

@@ -42,11 +42,13 @@ KNMIME_EXPORT const KNCatMsg* knmime_INVALID_VERSION();
 KNMIME_EXPORT const KNCatMsg* knmime_INVALID_LABEL();  ///< public, though nothing in the library throws it
 /// "[INVALID_TOKEN] ...": a name that must be a token and is not, refused when printed.
 KNMIME_EXPORT const KNCatMsg* knmime_INVALID_TOKEN();
-/// "[INVALID_VALUE] ...": a header value that cannot be printed.
-KNMIME_EXPORT const KNCatMsg* knmime_INVALID_VALUE();  ///< public, though nothing in the library throws it
+/// "[INVALID_VALUE] ...": a header value whose printed form would hold a CR or LF outside a fold.
+KNMIME_EXPORT const KNCatMsg* knmime_INVALID_VALUE();
 /// "[INVALID_CHARSET] ...": a charset name that cannot go into an encoded word.
 KNMIME_EXPORT const KNCatMsg* knmime_INVALID_CHARSET();
 /// "[NESTING_TOO_DEEP] ...": multipart parts nested deeper than the parser allows.
 KNMIME_EXPORT const KNCatMsg* knmime_NESTING_TOO_DEEP();  ///< argument: the nesting limit
+/// "[CYCLIC_PART] ...": a multipart inserted into itself or into a part nested in it.
+KNMIME_EXPORT const KNCatMsg* knmime_CYCLIC_PART();
 
 #endif

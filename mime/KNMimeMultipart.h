@@ -42,7 +42,7 @@ public:
     std::size_t getPartCount() const;
     /// Part i, sharing its body: changing it changes this multipart.
     KNMimePart getPart(std::size_t i) const;
-    /// Appends `part` (shared, not copied).
+    /// Inserting this multipart into itself or into a part nested in it throws CYCLIC_PART.
     void insertPart(const KNMimePart& part);
     /// The new part gets index i; i above the count throws KNBoundsErr naming i - 1.
     void insertPartAt(std::size_t i, const KNMimePart& part);

@@ -7,6 +7,7 @@
 /// parse reads it from the part's own Content-Type header.
 
 #include <foundation/KNCString.h>
+#include <foundation/KNCStringConstant.h>
 #include <foundation/KNExport.h>
 #include <foundation/KNTOrderedList.h>
 #include <mime/KNMimeHeader.h>
@@ -17,8 +18,8 @@
 
 class KNMIME_EXPORT KNMimeMultipartImp : public KNMimePartImp {
 public:
-    static const KNCString CRLF;           ///< "\r\n"
-    static const KNCString boundaryMarker; ///< "--"
+    static constexpr KNCStringConstant CRLF{"\r\n"}; ///< "\r\n"
+    static constexpr KNCStringConstant boundaryMarker{"--"}; ///< "--"
 
     /// No headers, empty preamble, no parts.
     KNMimeMultipartImp() = default;
@@ -26,7 +27,8 @@ public:
 
     /// The printed multipart body: preamble line, each part between delimiter lines, the
     /// closing delimiter. Throws MISSING_HEADER or MISSING_BOUNDARY_PARAMETER without a
-    /// boundary in the Content-Type header.
+    /// boundary in the Content-Type header. Printing and comparing refuse a tree nested more
+    /// than 128 multipart levels deep (NESTING_TOO_DEEP), as parsing does.
     KNCString getBody() const override;
     /// Removes all parts and the preamble, then parses the text into new ones. On failure
     /// the parts parsed before the error stay. The body that is parsed counts as the first
@@ -50,7 +52,8 @@ public:
     std::size_t getPartCount() const noexcept { return parts_.size(); }
     /// Part i, sharing its body with the stored one.
     KNMimePart getPart(std::size_t i) const;
-    /// Appends `part` (shared, not copied).
+    /// A multipart cannot be inserted into itself or into a part nested in it (CYCLIC_PART,
+    /// nothing changed).
     void insertPart(const KNMimePart& part);
     /// The new part gets index i; i equal to the count appends.
     void insertPartAt(std::size_t i, const KNMimePart& part);
@@ -67,6 +70,11 @@ protected:
     std::size_t bodySizeHint() const override;
 
 private:
+    // True when `target` is this body or nested in it at any depth.
+    bool contains(const KNMimePartImp& target) const;
+    // Throws CYCLIC_PART when `part` holds this body.
+    void refuseCycle(const KNMimePart& part) const;
+
     KNCString preamble_;
     KNTOrderedList<KNMimePart> parts_;
 };

@@ -1,10 +1,5 @@
 #include <mime/KNMimeMultipartRelatedType.h>
 
-const KNCString KNMimeMultipartRelatedType::Related = "related";
-const KNCString KNMimeMultipartRelatedType::Type = "type";
-const KNCString KNMimeMultipartRelatedType::Start = "start";
-const KNCString KNMimeMultipartRelatedType::StartInfo = "start_info";
-
 KNMimeMultipartRelatedType::KNMimeMultipartRelatedType() : KNMimeMultipartType(Related, KNCString()) {}
 
 KNMimeMultipartRelatedType::KNMimeMultipartRelatedType(const KNCString& type, const KNCString& start,

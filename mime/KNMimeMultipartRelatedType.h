@@ -5,15 +5,16 @@
 /// A multipart/related content type, with access to its type, start and start_info.
 
 #include <foundation/KNCString.h>
+#include <foundation/KNCStringConstant.h>
 #include <foundation/KNExport.h>
 #include <mime/KNMimeMultipartType.h>
 
 class KNMIME_EXPORT KNMimeMultipartRelatedType : public KNMimeMultipartType {
 public:
-    static const KNCString Related;   ///< "related"
-    static const KNCString Type;      ///< "type"
-    static const KNCString Start;     ///< "start"
-    static const KNCString StartInfo; ///< "start_info"
+    static constexpr KNCStringConstant Related{"related"}; ///< "related"
+    static constexpr KNCStringConstant Type{"type"}; ///< "type"
+    static constexpr KNCStringConstant Start{"start"}; ///< "start"
+    static constexpr KNCStringConstant StartInfo{"start_info"}; ///< "start_info"
 
     /// multipart/related with a generated boundary.
     KNMimeMultipartRelatedType();

@@ -2,10 +2,6 @@
 
 #include <mime/KNMimeUtils.h>
 
-const KNCString KNMimeMultipartType::Multipart = "multipart";
-const KNCString KNMimeMultipartType::Mixed = "mixed";
-const KNCString KNMimeMultipartType::Boundary = "boundary";
-
 KNMimeMultipartType::KNMimeMultipartType() : KNMimeMultipartType(Mixed, KNCString()) {}
 
 KNMimeMultipartType::KNMimeMultipartType(const KNCString& subType, const KNCString& boundary)

@@ -5,14 +5,15 @@
 /// A content type restricted to media type "multipart", with access to its boundary.
 
 #include <foundation/KNCString.h>
+#include <foundation/KNCStringConstant.h>
 #include <foundation/KNExport.h>
 #include <mime/KNMimeContentType.h>
 
 class KNMIME_EXPORT KNMimeMultipartType : public KNMimeContentType {
 public:
-    static const KNCString Multipart; ///< "multipart"
-    static const KNCString Mixed;     ///< "mixed"
-    static const KNCString Boundary;  ///< "boundary"
+    static constexpr KNCStringConstant Multipart{"multipart"}; ///< "multipart"
+    static constexpr KNCStringConstant Mixed{"mixed"}; ///< "mixed"
+    static constexpr KNCStringConstant Boundary{"boundary"}; ///< "boundary"
 
     /// multipart/mixed with a freshly generated boundary.
     KNMimeMultipartType();

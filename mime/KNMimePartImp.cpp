@@ -5,8 +5,6 @@ namespace {
 constexpr std::size_t headerSizeGuess = 64;
 }
 
-const KNCString KNMimePartImp::CRLF = "\r\n";
-
 KNMimePartImp::~KNMimePartImp() = default;
 
 KNMimeHeader KNMimePartImp::getHeader(std::size_t i) const

@@ -7,6 +7,7 @@
 
 #include <foundation/KNBodyBase.h>
 #include <foundation/KNCString.h>
+#include <foundation/KNCStringConstant.h>
 #include <foundation/KNExport.h>
 #include <foundation/KNTOrderedList.h>
 #include <mime/KNMimeHeader.h>
@@ -18,7 +19,7 @@ class KNMimeMultipartImp;
 
 class KNMIME_EXPORT KNMimePartImp : public KNBodyBase {
 public:
-    static const KNCString CRLF; ///< "\r\n"
+    static constexpr KNCStringConstant CRLF{"\r\n"}; ///< "\r\n"
 
     /// A part has no deep copy: copying a body would share its headers and parts.
     KNMimePartImp(const KNMimePartImp&) = delete;

@@ -1,9 +1,5 @@
 #include <mime/KNMimeTextType.h>
 
-const KNCString KNMimeTextType::Text = "text";
-const KNCString KNMimeTextType::Plain = "plain";
-const KNCString KNMimeTextType::Charset = "charset";
-
 KNMimeTextType::KNMimeTextType() : KNMimeContentType(Text, Plain, KNMimeParameterList()) {}
 
 KNMimeTextType::KNMimeTextType(const KNCString& subType, const KNCString& charset)

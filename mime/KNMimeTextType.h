@@ -5,14 +5,15 @@
 /// A content type restricted to media type "text", with access to its charset.
 
 #include <foundation/KNCString.h>
+#include <foundation/KNCStringConstant.h>
 #include <foundation/KNExport.h>
 #include <mime/KNMimeContentType.h>
 
 class KNMIME_EXPORT KNMimeTextType : public KNMimeContentType {
 public:
-    static const KNCString Text;    ///< "text"
-    static const KNCString Plain;   ///< "plain"
-    static const KNCString Charset; ///< "charset"
+    static constexpr KNCStringConstant Text{"text"}; ///< "text"
+    static constexpr KNCStringConstant Plain{"plain"}; ///< "plain"
+    static constexpr KNCStringConstant Charset{"charset"}; ///< "charset"
 
     /// text/plain without parameters.
     KNMimeTextType();

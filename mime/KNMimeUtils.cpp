@@ -13,12 +13,6 @@
 #include <cstring>
 #include <string_view>
 
-const KNCString KNMimeUtils::QuotedPrintable = "quoted-printable";
-const KNCString KNMimeUtils::Base64 = "base64";
-const KNCString KNMimeUtils::SevenBit = "7bit";
-const KNCString KNMimeUtils::EightBit = "8bit";
-const KNCString KNMimeUtils::Binary = "binary";
-
 namespace {
 
 using KNMimeScan::isBlank;

@@ -7,6 +7,7 @@
 /// Static members only; every function is pure and safe to call from any thread.
 
 #include <foundation/KNCString.h>
+#include <foundation/KNCStringConstant.h>
 #include <foundation/KNExport.h>
 
 #include <cstddef>
@@ -17,11 +18,11 @@ public:
 
     /// @name Encoding names understood by encode() and decode()
     ///@{
-    static const KNCString QuotedPrintable; ///< "quoted-printable"
-    static const KNCString Base64;          ///< "base64"
-    static const KNCString SevenBit;        ///< "7bit"
-    static const KNCString EightBit;        ///< "8bit"
-    static const KNCString Binary;          ///< "binary"
+    static constexpr KNCStringConstant QuotedPrintable{"quoted-printable"}; ///< "quoted-printable"
+    static constexpr KNCStringConstant Base64{"base64"}; ///< "base64"
+    static constexpr KNCStringConstant SevenBit{"7bit"}; ///< "7bit"
+    static constexpr KNCStringConstant EightBit{"8bit"}; ///< "8bit"
+    static constexpr KNCStringConstant Binary{"binary"}; ///< "binary"
     ///@}
 
     /// @name Lexical helpers

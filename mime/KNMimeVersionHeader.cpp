@@ -1,7 +1,5 @@
 #include <mime/KNMimeVersionHeader.h>
 
-const KNCString KNMimeVersionHeader::Label = "MIME-Version";
-
 KNMimeVersionHeader::KNMimeVersionHeader()
 {
     setVersion(1, 0);

@@ -4,6 +4,7 @@
 /// @class KNMimeVersionHeader
 /// The MIME-Version header: a major and a minor version number.
 
+#include <foundation/KNCStringConstant.h>
 #include <mime/KNMimeTypedHeader.h>
 #include <mime/KNMimeVersionHeaderImp.h>
 
@@ -15,7 +16,7 @@ public:
     /// A MIME-Version header with the value `majorVersion`.`minorVersion`.
     KNMimeVersionHeader(unsigned majorVersion, unsigned minorVersion);
 
-    static const KNCString Label; ///< "MIME-Version"
+    static constexpr KNCStringConstant Label{"MIME-Version"}; ///< "MIME-Version"
 
     /// The number before the dot.
     unsigned getMajorVersion() const;

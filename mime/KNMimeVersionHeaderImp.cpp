@@ -6,7 +6,35 @@
 #include <mime/KNMimeMessages.h>
 #include <mime/internal/KNMimeScan.h>
 
+#include <cstdint>
 #include <cstdio>
+#include <limits>
+
+namespace {
+
+// Reads a number at p as "%u" would (white space, an optional sign, decimal digits; a minus
+// sign negates modulo 2^32) and stores it, stepping p past it. False, with nothing stored,
+// when there are no digits or the digits exceed 32 bits.
+bool readNumber(const char*& p, unsigned& number) noexcept
+{
+    while (*p == ' ' || (*p >= '\t' && *p <= '\r'))
+        ++p;
+    const bool negative = *p == '-';
+    if (*p == '+' || *p == '-')
+        ++p;
+    if (*p < '0' || *p > '9')
+        return false;
+    std::uint64_t value = 0;
+    for (; *p >= '0' && *p <= '9'; ++p) {
+        value = value * 10 + static_cast<unsigned>(*p - '0');
+        if (value > std::numeric_limits<unsigned>::max())
+            return false;
+    }
+    number = negative ? 0u - static_cast<unsigned>(value) : static_cast<unsigned>(value);
+    return true;
+}
+
+} // namespace
 
 KNMimeVersionHeaderImp::~KNMimeVersionHeaderImp() = default;
 
@@ -28,7 +56,8 @@ KNCString KNMimeVersionHeaderImp::getValueAsString() const
 void KNMimeVersionHeaderImp::setValueFromString(const KNCString& text)
 {
     const KNCString cleaned = KNMimeScan::cleanToken(text, true);
-    if (std::sscanf(cleaned.c_str(), "%u.%u", &majorVersion_, &minorVersion_) != 2)
+    const char* p = cleaned.c_str();
+    if (!readNumber(p, majorVersion_) || *p++ != '.' || !readNumber(p, minorVersion_))
         KNThrow(KNMimeParseError(KNMessage(knmime_INVALID_VERSION(), text)));
 }
 

@@ -19,7 +19,8 @@ public:
     static KNMimeHeader make();
 
     KNCString getValueAsString() const override;
-    /// Reads "major.minor" (comments allowed); a number read before a failure stays set.
+    /// Reads "major.minor" (comments allowed); a number read before a failure stays set. A
+    /// number beyond 32 bits is refused (INVALID_VERSION).
     void setValueFromString(const KNCString& text) override;
     KNMimeVersionHeaderImp* copy() const override;
     bool compareValueTo(const KNMimeHeaderImp& other) const override;

@@ -1,5 +1,6 @@
 // Content types and their text, multipart and multipart/related refinements.
 #include <mime/KNMimeContentType.h>
+#include <mime/KNMimeContentTypeImp.h>
 #include <mime/KNMimeError.h>
 #include <mime/KNMimeMultipartRelatedType.h>
 #include <mime/KNMimeMultipartType.h>
@@ -84,6 +85,11 @@ TEST(KNMimeContentTypeTest, FailedParseLeavesTheHandleAndItsBody)
 
 TEST(KNMimeContentTypeTest, EqualityIgnoresCaseOfTypesAndOrderOfParameters)
 {
+    // A ';' right after the slash ends an empty subtype.
+    const KNMimeContentType empty = parsedAs<KNMimeContentType>("image/;b=1");
+    EXPECT_EQ(empty.getSubType() + "|" + empty.getParameterValue("b"), "|1");
+    EXPECT_TRUE(*parsedAs<KNMimeContentType>("a/b").body() != *parsedAs<KNMimeContentType>("a/c").body());
+    EXPECT_FALSE(*parsedAs<KNMimeContentType>("A/b").body() != *parsedAs<KNMimeContentType>("a/B").body());
     EXPECT_EQ(parsed("TEXT/Plain"), parsed("text/plain"));
     EXPECT_EQ(parsed("a/b; x=1; y=2"), parsed("a/b; Y=2; x=\"1\""));
     EXPECT_NE(parsed("a/b; x=1"), parsed("a/b; x=2"));

@@ -1,6 +1,8 @@
 // Content dispositions: lenient reading into the shared body, printing, filename access.
 #include <mime/KNMimeContentDisposition.h>
+#include <mime/KNMimeContentDispositionImp.h>
 #include <mime/KNMimeError.h>
+#include <mime/KNMimeParameter.h>
 
 #include <gtest/gtest.h>
 #include <tests/TestSupport.h>
@@ -34,6 +36,8 @@ TEST(KNMimeContentDispositionTest, ReadsLenientlyPrintsStrictlyAndSetFilenameApp
     EXPECT_EQ(disposition.asString(), "attachment; size=\"3\"; filename=\"x\"");
     disposition.setFilename("");
     EXPECT_EQ(disposition.asString(), "attachment; size=\"3\"");
+    disposition.setType("inline");
+    EXPECT_EQ(disposition.getType() + "|" + disposition.asString(), "inline|inline; size=\"3\"");
 }
 
 TEST(KNMimeContentDispositionTest, ParsingChangesTheSharedBodyOnlyOnSuccess)
@@ -58,6 +62,10 @@ TEST(KNMimeContentDispositionTest, EqualityIgnoresCaseAndOrderAndPrintedFormsRea
     EXPECT_EQ(parsed("inline; a=1; B=2"), parsed("Inline; b=2; a=1"));
     EXPECT_NE(parsed("inline; a=1"), parsed("inline; a=2"));
     EXPECT_NE(parsed("inline"), parsed("attachment"));
+    EXPECT_TRUE(*parsed("inline").body() != *parsed("attachment").body());
+    EXPECT_FALSE(*parsed("INLINE").body() != *parsed("inline").body());
+    EXPECT_TRUE(KNMimeParameter("a", "1") != KNMimeParameter("a", "2"));
+    EXPECT_FALSE(KNMimeParameter("a", "1") != KNMimeParameter("a", "1"));
     const KNMimeContentDisposition written("attachment", "r\xC3\xA9sum\xC3\xA9 \"final\"; v2\\.txt");
     const KNMimeContentDisposition read = parsed(written.asString());
     EXPECT_EQ(read.getFilename(), written.getFilename());

@@ -2,6 +2,8 @@
 #include <mime/KNMimeUtils.h>
 
 #include <gtest/gtest.h>
+
+#include <string>
 #include <tests/TestSupport.h>
 
 #include <random>
@@ -12,6 +14,11 @@ using U = KNMimeUtils;
 TEST(EncodedWord, EncodeSplitsWordsByRoomAndGuardsTheCharset)
 {
     EXPECT_EQ(U::headerEncode("", "utf-8", "Q"), "");
+    std::size_t consumed = 99;
+    EXPECT_EQ(U::headerEncodeB("abcdef", 5, consumed), "YWJj");
+    EXPECT_EQ(consumed, 3u);
+    EXPECT_EQ(U::headerEncodeQ("a=b", 3, consumed), "a");
+    EXPECT_EQ(consumed, 1u);
     EXPECT_EQ(U::headerEncode("a b_c", "iso-8859-1", "Q"), "=?iso-8859-1?Q?a_b=5Fc?=");
     EXPECT_EQ(U::headerEncode("\xe9t\xe9?=\t", "x", "q"), "=?x?q?=E9t=E9=3F=3D=09?="); // the letter keeps its case
     const auto b = [](std::size_t n) { return "=?utf-8?B?" + U::encodeBase64(KNCString(n, 'a')) + "?="; };

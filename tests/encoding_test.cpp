@@ -19,7 +19,8 @@ TEST(Base64, ExactRoundTripAndBadInput)
     EXPECT_EQ(U::encodeBase64(KNCString("\xff\xfe\x00", 3)), "//4A");
     // Only trailing '=' is padding, so padding before a line break is refused and after one accepted.
     const std::pair<const char*, const char*> decoded[] = {{"YWJj\r\nYQ==", "abca"}, {"Y", ""}, {"====", ""},
-        {"\r\n\r\n", ""}, {"QQ\r\n==", "A"}, {"QUJD\nREVG", "ABCDEF"}};
+        {"\r\n\r\n", ""}, {"QQ\r\n==", "A"}, {"QUJD\nREVG", "ABCDEF"},
+        {"Q\r\nUJ\nDRE\r\nV\nG", "ABCDEF"}}; // groups split by line breaks
     for (const auto& [text, data] : decoded)
         EXPECT_EQ(U::decodeBase64(text), data) << text;
     for (const KNCString& bad : {"YW Jj"s, "QQ==\r\n"s, "YW\xC8j"s, "YW\0j"s})
@@ -56,6 +57,24 @@ TEST(QuotedPrintable, ExactRoundTripAndLineLength)
     EXPECT_EQ(U::decodeQuotedPrintable("a =\r\n\r\nb", true), "a \r\nb"); // kept before a soft break
     EXPECT_EQ(U::decodeQuotedPrintable("a=4", true), "a=4");
     EXPECT_EQ(U::decodeQuotedPrintable("a\rb\n", false), "a\rb\n");
+    // A '=' without a CR LF pair, or with one hexadecimal digit, stays literal; a decoded
+    // blank ending a line is trailing white space like any other.
+    EXPECT_EQ(U::decodeQuotedPrintable("a=\rb=\nc=4G=G4", false), "a=\rb=\nc=4G=G4");
+    EXPECT_EQ(U::decodeQuotedPrintable("=20\r\nx", true), "\r\nx");
+    EXPECT_EQ(U::encodeQuotedPrintable("\r\nx"), "\r\nx");
+    // Hexadecimal digits of either case, at both ends of each range.
+    EXPECT_EQ(U::decodeQuotedPrintable("=3a=3f=3A=3F=0a=FA=af=09", false), ":?:?\n\xfa\xaf\t");
+    // A blank before each of 3000 line ends: every one protected by a soft break, so the
+    // output runs through several blocks of the encoder's buffer, and (with lines of this
+    // length) one soft break falls exactly on the end of a block.
+    KNCString blanks;
+    KNCString protectedBlanks;
+    for (int i = 0; i < 3000; ++i) {
+        blanks += "words \r\n";
+        protectedBlanks += "words =\r\n\r\n";
+    }
+    EXPECT_EQ(U::encodeQuotedPrintable(blanks), protectedBlanks);
+    EXPECT_EQ(U::decodeQuotedPrintable(protectedBlanks, true), blanks);
 
     std::mt19937 rng(99);
     const KNCString textish = "abc  \t\r\n=.xyz";

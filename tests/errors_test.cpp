@@ -31,7 +31,8 @@ const std::pair<const KNCatMsg* (*)(), const char*> catalogue[] = {
     {knmime_INVALID_TOKEN, "[INVALID_TOKEN] The following is not a valid token:  \"%s\""},
     {knmime_INVALID_VALUE, "[INVALID_VALUE] The following is not a valid header value:  \"%s\""},
     {knmime_INVALID_CHARSET, "[INVALID_CHARSET] The following is not a valid charset:  \"%s\""},
-    {knmime_NESTING_TOO_DEEP, "[NESTING_TOO_DEEP] Multipart nesting exceeds %u levels"}};
+    {knmime_NESTING_TOO_DEEP, "[NESTING_TOO_DEEP] Multipart nesting exceeds %u levels"},
+    {knmime_CYCLIC_PART, "[CYCLIC_PART] A multipart cannot contain itself"}};
 
 // What f throws: "parse: " or "error: " for the exact type, then the text.
 template <class F>

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <functional>
 #include <thread>
 #include <tuple>
 #include <typeinfo>
@@ -143,6 +144,8 @@ TEST_F(KNMimeHeaderFactoryTest, FirstRegistrationWinsUntilUnsetButTheDefaultIsRe
 
     factory->setDefaultHeaderFunctor(KNMimeHeaderFactory::Creator());
     EXPECT_THROW(factory->create("X-Unknown"), KNTHRInvalidPointer);
+    factory->setDefaultHeaderFunctor(std::function<KNMimeHeader()>());
+    EXPECT_THROW(KNMimeHeader("X-Unknown"), KNTHRInvalidPointer); // not std::bad_function_call
     // Content-Description holds a creator of its own, which replacing the default leaves alone.
     EXPECT_TRUE(bodyClass(factory->create("Content-Description")) == typeid(KNMimeUnstructuredHeaderImp));
 }

@@ -11,8 +11,10 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <functional>
 #include <random>
 #include <thread>
+#include <typeinfo>
 #include <vector>
 
 namespace {
@@ -26,6 +28,8 @@ TEST(KNMessageTest, FormatsPrintfStyleWithStringArguments)
     EXPECT_EQ(KNMessage(&testMessage, "abc", -1, '*', 0u).str(), "[TEST] abc has -1 items and '*' 0");
     const KNCatMsg plain{"test_", 8, "no placeholders"};
     EXPECT_EQ(KNMessage(&plain).str(), "no placeholders");
+    const KNCatMsg bare{"test_", 10, "%s"};
+    EXPECT_EQ(KNMessage(&bare, "x").str() + "|" + KNMessage(&bare, "").str(), "x|");
 }
 
 TEST(KNMessageTest, CatalogueLookupTranslatesAndFallsBack)
@@ -48,10 +52,15 @@ TEST(KNxmsgTest, RaiseThrowsTheMostDerivedType)
     const KNxmsg& base = bounds;
     EXPECT_THROW(base.raise(), KNBoundsErr);
     EXPECT_EQ(KNTHRInvalidPointer().why(), "Invalid pointer");
+    EXPECT_THROW(static_cast<const KNxmsg&>(KNTHRInvalidPointer()).raise(), KNTHRInvalidPointer);
+    // The base class throws a copy of itself too.
+    const KNxmsg plain(KNCString("plain text"));
     try {
-        static_cast<const KNxmsg&>(KNTHRInvalidPointer()).raise();
-    } catch (const KNTHRInvalidPointer& e) {
-        EXPECT_EQ(e.why(), "Invalid pointer");
+        plain.raise();
+        ADD_FAILURE() << "raise() returned";
+    } catch (const KNxmsg& e) {
+        EXPECT_TRUE(typeid(e) == typeid(KNxmsg));
+        EXPECT_EQ(e.why(), "plain text");
     }
 }
 
@@ -179,6 +188,12 @@ TEST(KNTFunctorR0Test, WrapsCallablesAndSharesTargetsOnCopy)
     EXPECT_FALSE(copy.sharesTargetWith(fromPointer));
     int (*nullFunction)() = nullptr;
     EXPECT_FALSE(KNTFunctorR0<int>(nullFunction));
+    // An empty std::function is empty too: calling throws the library's error, not
+    // std::bad_function_call.
+    const KNTFunctorR0<int> fromEmptyFunction{std::function<int()>()};
+    EXPECT_FALSE(fromEmptyFunction);
+    EXPECT_THROW(fromEmptyFunction(), KNTHRInvalidPointer);
+    EXPECT_EQ(KNTFunctorR0<int>(std::function<int()>(&fortyTwo))(), 42);
 }
 
 TEST(KNSubstringFinderTest, AgreesWithFindOnRandomTexts)
@@ -196,6 +211,8 @@ TEST(KNSubstringFinderTest, AgreesWithFindOnRandomTexts)
         for (std::size_t from = 0; from <= textLength + 1; ++from)
             ASSERT_EQ(finder.find(text, from), text.find(needle, from)) << text << " / " << needle << " @" << from;
     }
+    // A match may not run into the NUL that follows a string's bytes.
+    EXPECT_EQ(KNSubstringFinder(std::string("a\0", 2)).find(std::string("xa")), std::string_view::npos);
 }
 
 } // namespace

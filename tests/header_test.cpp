@@ -1,7 +1,10 @@
 // The general header: parsing a header line, printing it, comparing and copying headers.
+#include <mime/KNMimeContentDispositionHeader.h>
+#include <mime/KNMimeContentTypeHeader.h>
 #include <mime/KNMimeError.h>
 #include <mime/KNMimeHeader.h>
 #include <mime/KNMimeHeaderImp.h>
+#include <mime/KNMimePart.h>
 
 #include <gtest/gtest.h>
 #include <tests/TestSupport.h>
@@ -88,6 +91,13 @@ TEST(KNMimeHeaderTest, SharesOnAssignmentCopiesOnCopyAndComparesLabelsIgnoringCa
     EXPECT_TRUE(parsed("SUBJECT: Hi") == parsed("subject: Hi"));
     EXPECT_TRUE(parsed("Subject: Hi") != parsed("Subject: hi"));
     EXPECT_TRUE(parsed("Subject: Hi") != parsed("Comments: Hi"));
+    EXPECT_TRUE(*parsed("Subject: Hi").body() != *parsed("Subject: hi").body());
+    EXPECT_FALSE(*parsed("SUBJECT: Hi").body() != *parsed("subject: Hi").body());
+    // Bodies of different classes compare printed values; one that cannot be printed (an
+    // empty encoding) equals nothing.
+    const KNMimeHeader unprintable("Content-Transfer-Encoding");
+    unprintable.body()->setLabel("Subject");
+    EXPECT_FALSE(*parsed("Subject: x").body() == *unprintable.body());
 }
 
 TEST(KNMimeHeaderTest, FailedParseLeavesTheHandleOrRebindsItAsTheStepThatFailed)
@@ -110,6 +120,34 @@ TEST(KNMimeHeaderTest, FailedParseLeavesTheHandleOrRebindsItAsTheStepThatFailed)
         "[INVALID_VERSION] The following is not a valid version:  \"2\"");
     EXPECT_EQ(header.asString(), "MIME-Version: 2.0"); // the major number read before failing stays
     EXPECT_EQ(sharing.asString(), "Subject: keep");
+}
+
+TEST(KNMimeHeaderTest, LineBreakInValueCannotInjectAHeaderLine)
+{
+    const auto invalidValue = [](const KNCString& value) {
+        return "[INVALID_VALUE] The following is not a valid header value:  \"" + value + "\"";
+    };
+    KNMimeHeader subject("Subject");
+    for (const KNCString bad : {"a\r\nBcc: evil@example.com", "a\nb", "a\rb", "a\r\n", "a\r\n\r\n b", "\r\n b\n",
+                                "a\n\n b", "a\r  b", "x\r\n \nb"}) {
+        subject.body()->setValueFromString(bad);
+        expectError<KNMimeError>([&] { subject.asString(); }, invalidValue(bad));
+    }
+    // A fold (CR LF then a blank or a tab) is no line break of the value.
+    subject.body()->setValueFromString("one\r\n two\r\n\tthree\r\n ");
+    EXPECT_EQ(subject.asString(), "Subject: one\r\n two\r\n\tthree\r\n ");
+
+    // A file name or parameter value set through the API, and a quoted pair of a backslash
+    // and a CR read from a parameter, cannot print a bare line break either.
+    KNMimeContentDispositionHeader attachment(KNMimeContentDisposition("attachment", "a.txt\r\nBcc: evil@example.com"));
+    expectError<KNMimeError>([&] { attachment.asString(); },
+        invalidValue("attachment; filename=\"a.txt\r\nBcc: evil@example.com\""));
+    KNMimeContentTypeHeader type;
+    type.getContentType().setParameterValue("name", "x\ny");
+    expectError<KNMimeError>([&] { type.asString(); }, invalidValue("text/plain; name=\"x\ny\""));
+    KNMimePart part;
+    part.insertHeader(parsed("Content-Type: text/plain; name=\"a\\\rb\""));
+    expectError<KNMimeError>([&] { part.asString(); }, invalidValue("text/plain; name=\"a\rb\""));
 }
 
 } // namespace

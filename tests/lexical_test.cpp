@@ -56,6 +56,10 @@ TEST(Lexical, ScannersHonourQuotesAndComments)
     EXPECT_EQ(U::cleanToken("a (x\\) y) b", false), "a b");
     EXPECT_EQ(U::cleanToken("a (unclosed", false), "a");
     EXPECT_EQ(U::cleanToken("\"unclosed \\", true), "unclosed ");
+    EXPECT_EQ(U::cleanToken("\"a\\b", true), "ab");          // a quoted pair ending the text
+    EXPECT_EQ(U::cleanToken("\"a\\ \"", true), "a ");        // an escaped blank is data too
+    EXPECT_EQ(U::cleanToken("\"a \"x ", true), "a x");          // a later plain blank is not
+    EXPECT_EQ(U::findDelimiter("abc", '\0'), npos);
     EXPECT_EQ(U::quoteAndEscape("a\"b\\"), "\"a\\\"b\\\\\"");
     EXPECT_EQ(U::quoteAndEscape(""), "\"\"");
     EXPECT_FALSE(U::isToken(""));
@@ -95,6 +99,16 @@ TEST(Lexical, FoldBreaksOnlyAtBlanks)
     // Without a usable blank inside the limit the line breaks at the first blank after it.
     EXPECT_EQ(U::fold(KNCString(100, 'x') + " tail"), KNCString(100, 'x') + "\r\n tail");
     EXPECT_EQ(U::fold(KNCString(80, ' ') + "yyy zz"), KNCString(79, ' ') + "\r\n yyy zz");
+    // Each existing line on its own: the blank of a short first line is no break point for
+    // the long line after it. A lone CR is no line end, and the scan goes on past it.
+    EXPECT_EQ(U::fold("x y\r\n" + KNCString(100, 'z')), "x y\r\n" + KNCString(100, 'z'));
+    EXPECT_EQ(U::fold("a\rb " + KNCString(90, 'c') + "\r\n\r"), "a\rb\r\n " + KNCString(90, 'c') + "\r\n\r");
+    EXPECT_EQ(U::fold(KNCString(79, '\r') + " x"), KNCString(79, '\r') + "\r\n x");
+    // Line ends next to lone CRs and LFs, and a final CR LF, are found exactly: none of
+    // these lines is longer than 78 characters.
+    for (const KNCString& text : {"a \r\r\n" + KNCString(100, 'b'), "a " + KNCString(74, 'b') + "\r\r\n",
+                                  "a " + KNCString(75, 'b') + "\r\n", KNCString("ab\n")})
+        EXPECT_EQ(U::fold(text), text);
 
     std::mt19937 rng(13);
     const KNCString alphabets[] = {KNCString(150, 'a') + " \t", "aaaaaaaaaaaaaaaaaaaaaaaaa \t"};
@@ -119,6 +133,8 @@ TEST(Lexical, TokenizeHeader)
 {
     using L = KNCStringList;
     EXPECT_EQ(U::tokenizeHeader("x", false), L{}); // a one-byte rest is dropped, deliberately
+    // Leading white space is kept, white space between words dropped, text after them kept.
+    EXPECT_EQ(U::tokenizeHeader(" =?a?Q?b?= =?c?Q?d?= xy", false), (L{" ", "=?a?Q?b?=", "=?c?Q?d?=", " xy"}));
     EXPECT_EQ(U::tokenizeHeader("(=?a?Q?x?=)", true), (L{"(", "=?a?Q?x?="}));
     EXPECT_EQ(U::tokenizeHeader("(=?a?Q?x?=)", false), L{"(=?a?Q?x?=)"});
     EXPECT_EQ(U::tokenizeHeader("  hi =?a?Q?x?=  =?a?Q?y?= there", false),

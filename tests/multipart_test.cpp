@@ -44,6 +44,24 @@ KNCString nested(unsigned levels)
     return head + "Content-Type: text/plain\r\n\r\ninnermost" + tail;
 }
 
+// `levels` multiparts, each the only part of the one above, with boundaries as in nested()
+// or without headers. Built from the top down, so each insertion checks an empty part only.
+KNMimeMultipart chain(std::size_t levels, bool withBoundaries)
+{
+    const auto level = [&](std::size_t i) {
+        return withBoundaries ? KNMimeMultipart(KNMimeMultipartType("mixed", "lv" + std::to_string(i) + "x"))
+                              : KNMimeMultipart();
+    };
+    const KNMimeMultipart top = level(1);
+    KNMimeMultipart last = top;
+    for (std::size_t i = 2; i <= levels; ++i) {
+        const KNMimeMultipart next = level(i);
+        last.insertPart(next);
+        last = next;
+    }
+    return top;
+}
+
 } // namespace
 
 TEST(Multipart, ParsesDelimitersPreambleAndParts)
@@ -185,6 +203,63 @@ TEST(Multipart, NestingCapBoundary)
     EXPECT_EQ(errorText<KNMimeParseError>([] { parsed(nested(20000)); }), nestingError);
 }
 
+TEST(Multipart, InsertingAMultipartIntoItselfOrItsDescendantIsRefused)
+{
+    const KNCString cyclic = "[CYCLIC_PART] A multipart cannot contain itself";
+    const KNMimeMultipartType type("mixed", "b");
+    KNMimeMultipart outer(type);
+    KNMimeMultipart inner(type);
+    KNMimeMultipart innermost(type);
+    outer.insertPart(inner);
+    inner.insertPart(innermost);
+    expectError<KNMimeError>([&] { outer.insertPart(outer); }, cyclic);
+    expectError<KNMimeError>([&] { inner.insertPartAt(0, outer); }, cyclic);
+    expectError<KNMimeError>([&] { innermost.insertPart(outer); }, cyclic);
+    expectError<KNMimeError>([&] { innermost.body()->insertPartAt(0, inner); }, cyclic);
+    EXPECT_EQ(outer.getPartCount(), 1u);
+    EXPECT_EQ(inner.getPartCount(), 1u);
+    EXPECT_EQ(innermost.getPartCount(), 0u);
+    // The same part in two places is sharing, not a cycle.
+    outer.insertPart(innermost);
+    outer.insertPartAt(0, inner);
+    EXPECT_EQ(outer.getPartCount(), 3u);
+    // Sixty levels that each hold the level below twice: 2^60 paths to the bottom, but the
+    // check visits each shared body once.
+    KNMimeMultipart bottom;
+    KNMimeMultipart top = bottom;
+    for (int i = 0; i < 60; ++i) {
+        KNMimeMultipart up;
+        up.insertPart(top);
+        up.insertPart(top);
+        top = up;
+    }
+    expectError<KNMimeError>([&] { bottom.insertPart(top); }, cyclic);
+    KNMimeMultipart().insertPart(top);
+    const KNCString twice = inner.asString();
+    EXPECT_EQ(outer.getBody(), "--b\r\n" + twice + "\r\n--b\r\n" + twice + "\r\n--b\r\n" + innermost.asString() +
+                                   "\r\n--b--\r\n");
+}
+
+TEST(Multipart, TreesBuiltDeeperThanTheCapAreRefusedNotRecursedInto)
+{
+    const KNMimeMultipart cap = chain(128, true);
+    const KNCString printed = cap.asString();
+    EXPECT_EQ(parsed(printed).asString(), printed);
+    EXPECT_TRUE(cap == parsed(printed));
+
+    const KNMimeMultipart deeper = chain(129, true);
+    expectError<KNMimeError>([&] { deeper.asString(); }, nestingError);
+    expectError<KNMimeError>([&] { deeper.getBody(); }, nestingError);
+    expectError<KNMimeError>([&] { (void)(deeper == chain(129, true)); }, nestingError);
+
+    // A million levels: printing stops at the cap, and letting go of the tree does not
+    // recurse once per level.
+    KNMimeMultipart million = chain(1000000, false);
+    expectError<KNMimeError>([&] { million.asString(); }, nestingError);
+    million = KNMimeMultipart();
+    EXPECT_EQ(million.getPartCount(), 0u);
+}
+
 TEST(Multipart, HundredThousandEmptyParts)
 {
     // An empty part needs a header: without one, "\r\n" alone is no entity.
@@ -221,6 +296,16 @@ TEST(Multipart, EqualityOfMultipartsAndTheStringAsymmetry)
     EXPECT_FALSE(unprintable == KNMimePart());
     EXPECT_FALSE(KNMimePart() == unprintable);
     EXPECT_TRUE(unprintable == KNMimeMultipart()); // two multipart bodies: nothing printed
+    EXPECT_FALSE(unprintable != KNMimeMultipart());
+    EXPECT_TRUE(text != a);
+    EXPECT_TRUE(*text.body() != *a.body()); // the bodies' own operators agree
+    EXPECT_FALSE(*a.body() != *a.body());
+
+    // The preamble set through a handle reads back and prints before the first delimiter.
+    KNMimeMultipart withPreamble = withBody("--b\r\n\r\nx\r\n--b--");
+    withPreamble.setPreamble("set by hand");
+    EXPECT_EQ(withPreamble.getPreamble(), "set by hand");
+    EXPECT_EQ(withPreamble.getBody(), "set by hand\r\n--b\r\n\r\nx\r\n--b--\r\n");
 }
 
 TEST(Multipart, MangledMessagesGiveCatalogueErrorsOnly)

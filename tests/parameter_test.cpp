@@ -103,6 +103,15 @@ TEST(KNMimeParameterListTest, LookupReplacementAndBounds)
 
     EXPECT_EQ(errorText<KNBoundsErr>([&] { list.getParameter(3); }), "index 3 out of range [0, 3)");
     EXPECT_EQ(errorText<KNBoundsErr>([&] { list.removeParameter(7); }), "index 7 out of range [0, 3)");
+    list.removeAllParameters();
+    EXPECT_EQ(list.getParameterCount(), 0u);
+    EXPECT_EQ(list.asString(), "");
+
+    // A parameter's setters read back and print.
+    KNMimeParameter p("a", "1");
+    p.setName("Name");
+    p.setValue("x y");
+    EXPECT_EQ(p.getName() + "|" + p.getValue() + "|" + p.asString(), "Name|x y|Name=\"x y\"");
 }
 
 // The equality rule written pairwise: the reference for lists of any length.

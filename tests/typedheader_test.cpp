@@ -1,9 +1,12 @@
 // The typed header handles: conversion from a general header, typed values, and the
 // generic header for labels the factory does not know.
 #include <foundation/KNTHRInvalidPointer.h>
+#include <mime/KNMimeContentDescriptionHeader.h>
 #include <mime/KNMimeContentIdHeader.h>
+#include <mime/KNMimeContentLocationHeader.h>
 #include <mime/KNMimeContentTransferEncodingHeader.h>
 #include <mime/KNMimeContentTypeHeader.h>
+#include <mime/KNMimeContentTypeImp.h>
 #include <mime/KNMimeError.h>
 #include <mime/KNMimeGenericHeader.h>
 #include <mime/KNMimeVersionHeader.h>
@@ -74,6 +77,17 @@ TEST(KNMimeTypedHeaderTest, RefusesLabelsValuesAndMissingBodiesWithExactMessages
     EXPECT_EQ(three.asString(), "MIME-Version: 2.7");
     expectError<KNMimeParseError>([&] { three.fromString("MIME-Version: 9"); }, version + "9\"");
     EXPECT_EQ(three.asString(), "MIME-Version: 9.0"); // a new body, read as far as it went
+    // Numbers beyond 32 bits are refused rather than wrapped; the largest one reads.
+    for (const KNCString big : {"99999999999.1", "4294967296.0", "1.4294967296", "-4294967296.0"})
+        expectError<KNMimeParseError>([&] { three.body()->setValueFromString(big); }, version + big + "\"");
+    EXPECT_EQ(three.asString(), "MIME-Version: 1.0");
+    three.body()->setValueFromString(" +4294967295. \t\v7");
+    EXPECT_EQ(three.asString(), "MIME-Version: 4294967295.7");
+    three.body()->setValueFromString("10.\"\t\v20\"");
+    EXPECT_EQ(three.asString(), "MIME-Version: 10.20");
+    expectError<KNMimeParseError>([&] { three.body()->setValueFromString("3 .1"); }, version + "3 .1\"");
+    expectError<KNMimeParseError>([&] { three.body()->setValueFromString("5.+"); }, version + "5.+\"");
+    EXPECT_EQ(three.asString(), "MIME-Version: 5.20");
 
     const KNCString invalid = "Invalid pointer";
     expectError<KNTHRInvalidPointer>([] { KNMimeVersionHeader(nullptr).getMajorVersion(); }, invalid);
@@ -82,6 +96,27 @@ TEST(KNMimeTypedHeaderTest, RefusesLabelsValuesAndMissingBodiesWithExactMessages
     const KNMimeHeader relabelled("X-Version");
     relabelled.body()->setLabel("MIME-Version");
     expectError<KNTHRInvalidPointer>([&] { KNMimeVersionHeader(relabelled).getMajorVersion(); }, invalid);
+}
+
+TEST(KNMimeTypedHeaderTest, SettersReadBackAndPrint)
+{
+    KNMimeContentIdHeader id("<a@b>");
+    EXPECT_EQ(id.getId(), "<a@b>");
+    id.setId("<c@d>");
+    EXPECT_EQ(id.getId() + "|" + id.asString(), "<c@d>|Content-ID: <c@d>");
+    KNMimeContentLocationHeader location("http://example.net/a");
+    EXPECT_EQ(location.getURI(), "http://example.net/a");
+    location.setURI("b.png");
+    EXPECT_EQ(location.getURI() + "|" + location.asString(), "b.png|Content-Location: b.png");
+    KNMimeContentDescriptionHeader description("first");
+    EXPECT_EQ(description.getDescription(), "first");
+    description.setDescription("second one");
+    EXPECT_EQ(description.getDescription() + "|" + description.asString(),
+              "second one|Content-Description: second one");
+    KNMimeContentTypeHeader type;
+    type.getContentType().body()->setMediaType("image");
+    type.getContentType().body()->setSubType("png");
+    EXPECT_EQ(type.asString(), "Content-Type: image/png");
 }
 
 TEST(KNMimeTypedHeaderTest, EachBodyReadsAndComparesItsValueItsOwnWay)

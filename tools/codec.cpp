@@ -11,9 +11,9 @@
 namespace {
 
 // The encoding named on the command line; only the two that change the bytes are offered.
-const KNCString& codecNamed(const KNCString& name)
+KNCString codecNamed(const KNCString& name)
 {
-    for (const KNCString* codec : {&KNMimeUtils::Base64, &KNMimeUtils::QuotedPrintable}) {
+    for (const KNCStringConstant* codec : {&KNMimeUtils::Base64, &KNMimeUtils::QuotedPrintable}) {
         if (knEqualsIgnoreCase(name, *codec))
             return *codec;
     }

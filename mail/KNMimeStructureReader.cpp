@@ -254,6 +254,7 @@ KNMimePart KNMimeStructureReader::read(std::size_t start)
                 multipart.setPreamble(KNCString(text_.substr(frame.bodyStart, regionEnd - frame.bodyStart)));
             frame.part = multipart;
             frame.state = Frame::State::Parts;
+            deliver(multipart, frame.entity, enclosing(frames_.size() - 1));
         }
         cursor = after;
         if (match.close) {
@@ -477,23 +478,24 @@ void KNMimeStructureReader::finishLeaf(std::size_t end)
     leaf_.pop_back();
     const std::string_view body = leaf.bodyStart < end ? text_.substr(leaf.bodyStart, end - leaf.bodyStart) : std::string_view();
     const KNMimePart part = leafPart(leaf.headers, body);
-    deliver(part, leaf.entity);
+    deliver(part, leaf.entity, enclosing(frames_.size()));
     if (leaf.attachedMessage && openAttachedMessages_)
         openAttachedMessage(part, body, leaf.bodyStart, leaf.path);
 }
 
+// A multipart is in place since its first delimiter line; one that never had one becomes
+// the leaf it is put in place as here.
 void KNMimeStructureReader::finishFrame(std::size_t end)
 {
     Frame frame = std::move(frames_.back());
     frames_.pop_back();
-    KNMimePart part = frame.part;
     switch (frame.state) {
     case Frame::State::Preamble: {
         report(Kind::UnusedBoundary, frame.path, frame.start,
                "boundary \"" + KNMimeFieldReader::excerpt(frame.boundary) + "\" starts no line; read as one leaf");
         const std::string_view body =
             frame.bodyStart < end ? text_.substr(frame.bodyStart, end - frame.bodyStart) : std::string_view();
-        part = leafPart(frame.headers, body);
+        deliver(leafPart(frame.headers, body), frame.entity, enclosing(frames_.size()));
         break;
     }
     case Frame::State::Parts:
@@ -504,19 +506,24 @@ void KNMimeStructureReader::finishFrame(std::size_t end)
             report(Kind::EpilogueDropped, frame.path, frame.epilogueStart, "text after the closing delimiter dropped");
         break;
     }
-    deliver(part, frame.entity);
 }
 
-void KNMimeStructureReader::deliver(const KNMimePart& part, std::size_t entity)
+// Puts an entity in its place: the message, or the next part of `parent`. A multipart goes
+// in while it is still empty, so that the check against cycles has nothing to walk.
+void KNMimeStructureReader::deliver(const KNMimePart& part, std::size_t entity, Frame* parent)
 {
     output_.entities[entity].part = part;
-    if (frames_.empty()) {
+    if (parent == nullptr) {
         message_ = part;
         return;
     }
-    Frame& parent = frames_.back();
-    KNMimeMultipart(parent.part).insertPart(part);
-    ++parent.children;
+    KNMimeMultipart(parent->part).insertPart(part);
+    ++parent->children;
+}
+
+KNMimeStructureReader::Frame* KNMimeStructureReader::enclosing(std::size_t frame)
+{
+    return frame == 0 ? nullptr : &frames_[frame - 1];
 }
 
 // The message inside a message/rfc822 leaf, read as entity path + ".1"; a base64 or

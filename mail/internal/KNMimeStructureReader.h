@@ -69,7 +69,8 @@ private:
     void beginEntity(Head head, const KNCString& path, std::size_t start);
     void finishLeaf(std::size_t end);
     void finishFrame(std::size_t end);
-    void deliver(const KNMimePart& part, std::size_t entity);
+    void deliver(const KNMimePart& part, std::size_t entity, Frame* parent);
+    Frame* enclosing(std::size_t frame);
     void openAttachedMessage(const KNMimePart& leaf, std::string_view body, std::size_t bodyStart, const KNCString& path);
     KNCString childPath() const;
     std::size_t lineEnd(std::size_t pos) const;

@@ -54,7 +54,7 @@ struct MediaType {
     bool extendedBoundary = false;
 };
 
-// The media type of the first Content-Type header; `fallback` when there is none, text/plain
+// The media type of the first Content-Type header, as written (compare ignoring case); `fallback` when there is none, text/plain
 // when it was kept as text because it could not be read.
 MediaType mediaTypeOf(const std::vector<KNMimeHeader>& headers, std::size_t contentType, const char* fallbackType,
                       const char* fallbackSubtype)
@@ -65,8 +65,8 @@ MediaType mediaTypeOf(const std::vector<KNMimeHeader>& headers, std::size_t cont
     if (typed == nullptr)
         return {"text", "plain", KNCString(), false};
     KNMimeContentType type = typed->getContentType();
-    MediaType media{knToLower(type.getMediaType()), knToLower(type.getSubType()), KNCString(), false};
-    if (media.type != "multipart")
+    MediaType media{type.getMediaType(), type.getSubType(), KNCString(), false};
+    if (!knEqualsIgnoreCase(media.type, "multipart"))
         return media;
     media.boundary = type.getParameterValue("boundary", 0);
     if (media.boundary.empty()) {
@@ -439,11 +439,12 @@ std::size_t KNMimeStructureReader::findDelimiterLine(std::size_t from, Delimiter
 void KNMimeStructureReader::beginEntity(Head head, const KNCString& path, std::size_t start)
 {
     const std::size_t entity = output_.entities.size();
-    output_.entities.push_back(KNMimeReadResult::Entity{path, KNMimePart(), toInput_(start)});
+    // An empty handle until the entity is read (a default part would make a body to throw away).
+    output_.entities.push_back(KNMimeReadResult::Entity{path, KNMimePart(static_cast<KNMimePartImp*>(nullptr)), toInput_(start)});
     const bool inDigest = !frames_.empty() && frames_.back().digest;
     const MediaType media =
         mediaTypeOf(head.headers, head.contentType, inDigest ? "message" : "text", inDigest ? "rfc822" : "plain");
-    if (media.type == "multipart") {
+    if (knEqualsIgnoreCase(media.type, "multipart")) {
         if (media.extendedBoundary)
             report(Kind::ExtendedBoundary, path, start, "boundary given only in the extended form; plain form added");
         if (media.boundary.empty()) {
@@ -458,7 +459,7 @@ void KNMimeStructureReader::beginEntity(Head head, const KNCString& path, std::s
             frame.entity = entity;
             frame.start = start;
             frame.bodyStart = head.bodyStart;
-            frame.digest = media.subtype == "digest";
+            frame.digest = knEqualsIgnoreCase(media.subtype, "digest");
             frames_.push_back(std::move(frame));
             return;
         }
@@ -468,7 +469,8 @@ void KNMimeStructureReader::beginEntity(Head head, const KNCString& path, std::s
     leaf.path = path;
     leaf.entity = entity;
     leaf.bodyStart = head.bodyStart;
-    leaf.attachedMessage = media.type == "message" && (media.subtype == "rfc822" || media.subtype == "global");
+    leaf.attachedMessage = knEqualsIgnoreCase(media.type, "message") &&
+                           (knEqualsIgnoreCase(media.subtype, "rfc822") || knEqualsIgnoreCase(media.subtype, "global"));
     leaf_.push_back(std::move(leaf));
 }
 

@@ -55,7 +55,9 @@ std::vector<Token> tokenized(std::string_view text, KNCStringList& problems)
             for (; i < text.size(); ++i) {
                 const char d = text[i];
                 if (d == '\\' && i + 1 < text.size() && close != ']') {
-                    token.text += text[++i];
+                    const char escaped = text[++i];
+                    if (escaped != '\r' && escaped != '\n') // a line break is no part of a value, quoted or not
+                        token.text += escaped;
                     continue;
                 }
                 if (c == '(' && d == '(') {

@@ -79,7 +79,11 @@ MediaType mediaTypeOf(const std::vector<KNMimeHeader>& headers, std::size_t cont
         if (!printable)
             media.boundary.clear();
         if (!media.boundary.empty()) {
-            type.setParameterValue("boundary", media.boundary, 0); // the printed form needs it
+            // The printed form needs it, and reading it again must find it first: empty
+            // plain ones go.
+            while (type.findParameter("boundary", 0) != KNCString::npos)
+                type.setParameterValue("boundary", KNCString(), 0);
+            type.setParameterValue("boundary", media.boundary, 0);
             media.extendedBoundary = true;
         }
     }

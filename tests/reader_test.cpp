@@ -151,6 +151,12 @@ TEST(Reader, ReadsMultipartStructureAsAReceiverMust)
     const KNMimeReadResult extended =
         readText(crlf("Content-Type: multipart/mixed; boundary*0*=us-ascii''a%2Db; boundary*1=c\n\n--a-bc\n\nx\n--a-bc--\n"));
     EXPECT_EQ(outline(extended), ". multipart/mixed\n1 - \"x\"\n! extended-boundary . @0\n");
+    // An empty plain boundary beside the extended one gives way to it, so that reading the
+    // printed tree again finds the same boundary.
+    const KNMimeReadResult emptyPlain =
+        readText(crlf("Content-Type: multipart/mixed; boundary=\"\"; boundary*=''b; boundary=\"\"\n\n--b\n\nx\n--b--\n"));
+    EXPECT_EQ(emptyPlain.getMessage().getHeader(0).asString(), "Content-Type: multipart/mixed; boundary*=\"''b\"; boundary=\"b\"");
+    expectStable(emptyPlain);
     EXPECT_EQ(KNMimeMultipartType(KNMimeContentTypeHeader(extended.getMessage().getHeader(0)).getContentType()).getBoundary(),
               "a-bc");
 }

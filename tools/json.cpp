@@ -53,8 +53,9 @@ void appendJsonKey(KNCString& out, std::string_view key, bool first)
 {
     if (!first)
         out += ',';
-    appendJsonString(out, key);
-    out += ':';
+    out += '"'; // keys are the tool's own ASCII names: nothing to check or escape
+    out += key;
+    out += "\":";
 }
 
 void appendJsonNumber(KNCString& out, std::optional<std::size_t> number)

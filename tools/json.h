@@ -17,7 +17,8 @@ void appendJsonString(KNCString& out, std::string_view text);
 // Appends the string, or null when there is none.
 void appendJsonStringOrNull(KNCString& out, const std::optional<KNCString>& text);
 
-// Appends `"key":`; `first` is false when a member comes before it.
+// Appends `"key":` for one of the tool's own ASCII key names (written as it is); `first` is
+// false when a member comes before it.
 void appendJsonKey(KNCString& out, std::string_view key, bool first = false);
 
 // Appends the number, or null when there is none.

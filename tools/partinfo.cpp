@@ -1,5 +1,7 @@
 #include "partinfo.h"
 
+#include <mime/KNMimeHeaderImp.h>
+
 #include "mailinput.h"
 
 #include <mail/KNMimeMail.h>
@@ -60,9 +62,8 @@ std::array<std::optional<KNCString>, N> headerValues(const KNMimePart& part, con
                 continue;
             seen[k] = true;
             --left;
-            try {
-                const KNCString line = header.asString();
-                values[k] = KNMimeUtils::unfoldAndTrim(line.substr(std::min(line.size(), label.size() + 1)));
+            try { // the value as it prints, before folding: no fold to make and undo
+                values[k] = header.body()->getValueAsString();
             } catch (const KNxmsg&) { // a value that cannot be printed; the view reads what it can
                 values[k] = KNMimeMessageView::header(part, labels[k]);
             }

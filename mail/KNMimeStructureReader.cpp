@@ -332,7 +332,7 @@ KNMimeStructureReader::Head KNMimeStructureReader::readHead(std::size_t pos, con
             continue;
         }
         flush();
-        if (line.substr(0, 5) == "From ") {
+        if (line[0] == 'F' && line.substr(0, 5) == "From ") {
             report(Kind::MisplacedFromLine, path, p, "mbox \"From \" line inside the headers dropped");
         } else if (line.find(':') == npos) {
             report(Kind::HeaderWithoutColon, path, p,
@@ -355,14 +355,13 @@ void KNMimeStructureReader::addField(std::size_t start, std::size_t end, const K
     if (!header)
         return;
     if (head.contentType == npos) {
-        // Compared on the text, which spares a copy of every label; names holding quotes or
-        // comments, cleaned by the header, are asked for theirs.
+        // Compared on the text, which spares a copy of every label: a header was made, so its
+        // name is the text before the colon less trailing blanks (names with quotes or
+        // comments are dropped).
         std::string_view label = field.substr(0, field.find(':'));
         while (!label.empty() && KNMimeMailScan::isBlank(label.back()))
             label.remove_suffix(1);
-        const bool plain = label.find_first_of("\"(") == npos;
-        if (plain ? knEqualsIgnoreCase(label, KNMimeContentTypeHeader::Label)
-                  : knEqualsIgnoreCase(header->getLabel(), KNMimeContentTypeHeader::Label))
+        if (knEqualsIgnoreCase(label, KNMimeContentTypeHeader::Label))
             head.contentType = head.headers.size();
     }
     head.headers.push_back(std::move(*header));

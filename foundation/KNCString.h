@@ -23,6 +23,18 @@ inline constexpr char knToLowerAscii(char c) noexcept
     return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
+/// The value of a hexadecimal digit of either case, or -1 for any other byte.
+inline constexpr int knHexDigitValue(char c) noexcept
+{
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'A' && c <= 'F')
+        return c - 'A' + 10;
+    if (c >= 'a' && c <= 'f')
+        return c - 'a' + 10;
+    return -1;
+}
+
 /// True when both texts have the same length and equal bytes, ignoring ASCII case.
 KNMIME_EXPORT bool knEqualsIgnoreCase(std::string_view a, std::string_view b) noexcept;
 

@@ -11,7 +11,6 @@
 
 namespace {
 
-using KNMimeMailScan::hexValue;
 using KNMimeMailScan::isBlank;
 
 constexpr unsigned char base64Skip = 0x80;
@@ -149,8 +148,8 @@ KNCString KNMimeBodyDecoder::decodeQuotedPrintable(std::string_view text)
             out.append(text.data() + i, eq - i);
             if (eq == contentEnd)
                 break;
-            const int hi = contentEnd - eq >= 3 ? hexValue(text[eq + 1]) : -1;
-            const int lo = contentEnd - eq >= 3 ? hexValue(text[eq + 2]) : -1;
+            const int hi = contentEnd - eq >= 3 ? knHexDigitValue(text[eq + 1]) : -1;
+            const int lo = contentEnd - eq >= 3 ? knHexDigitValue(text[eq + 2]) : -1;
             if (hi >= 0 && lo >= 0) {
                 out += static_cast<char>(hi << 4 | lo);
                 i = eq + 3;

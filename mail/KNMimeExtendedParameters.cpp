@@ -8,7 +8,6 @@
 
 namespace {
 
-using KNMimeMailScan::hexValue;
 using KNMimeMailScan::isSpace;
 
 std::string_view trimmed(std::string_view text)
@@ -25,7 +24,7 @@ void appendPercentDecoded(KNCString& out, std::string_view text)
 {
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] == '%' && i + 2 < text.size()) {
-            const int hi = hexValue(text[i + 1]), lo = hexValue(text[i + 2]);
+            const int hi = knHexDigitValue(text[i + 1]), lo = knHexDigitValue(text[i + 2]);
             if (hi >= 0 && lo >= 0) {
                 out += static_cast<char>(hi << 4 | lo);
                 i += 2;

@@ -9,7 +9,6 @@
 
 namespace {
 
-using KNMimeMailScan::hexValue;
 using KNMimeMailScan::isBlank;
 using KNMimeMailScan::isLineBreak;
 
@@ -26,8 +25,8 @@ KNCString decodedQ(std::string_view text)
         const char c = text[i];
         if (c == '_') {
             out += ' ';
-        } else if (c == '=' && i + 2 < text.size() && hexValue(text[i + 1]) >= 0 && hexValue(text[i + 2]) >= 0) {
-            out += static_cast<char>(hexValue(text[i + 1]) << 4 | hexValue(text[i + 2]));
+        } else if (c == '=' && i + 2 < text.size() && knHexDigitValue(text[i + 1]) >= 0 && knHexDigitValue(text[i + 2]) >= 0) {
+            out += static_cast<char>(knHexDigitValue(text[i + 1]) << 4 | knHexDigitValue(text[i + 2]));
             i += 2;
         } else {
             out += c;

@@ -27,17 +27,6 @@ constexpr char decToHex(unsigned c) noexcept
     return "0123456789ABCDEF"[c & 0x0F];
 }
 
-int hexToDec(char c) noexcept
-{
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    return -1;
-}
-
 constexpr char base64Alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 // Byte to 6-bit value; line breaks are skipped, everything else is refused.
@@ -293,8 +282,8 @@ KNCString decodeQuotedPrintableView(std::string_view text, bool stripTrailingWhi
                 i += 3;
                 continue;
             }
-            const int high = hexToDec(p[i + 1]);
-            const int low = hexToDec(p[i + 2]);
+            const int high = knHexDigitValue(p[i + 1]);
+            const int low = knHexDigitValue(p[i + 2]);
             atLineStart = false;
             if (high >= 0 && low >= 0) {
                 *w++ = static_cast<char>(high << 4 | low);

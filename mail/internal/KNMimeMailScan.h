@@ -5,18 +5,6 @@
 
 namespace KNMimeMailScan {
 
-// The value of a hexadecimal digit (either case), or -1.
-inline int hexValue(char c) noexcept
-{
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    return -1;
-}
-
 inline bool isBlank(char c) noexcept
 {
     return c == ' ' || c == '\t';

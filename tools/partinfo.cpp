@@ -91,10 +91,14 @@ KNMimeExtendedParameters parametersOf(const std::optional<KNCString>& value)
 // appears in the header value: most parts have no name and many no charset.
 bool mentions(const std::optional<KNCString>& text, std::string_view word)
 {
-    if (!text)
+    if (!text || text->size() < word.size())
         return false;
-    const auto same = [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) == b; };
-    return std::search(text->begin(), text->end(), word.begin(), word.end(), same) != text->end();
+    const std::string_view value = *text;
+    for (std::size_t i = 0; i + word.size() <= value.size(); ++i) {
+        if (knToLowerAscii(value[i]) == word[0] && knEqualsIgnoreCase(value.substr(i, word.size()), word))
+            return true;
+    }
+    return false;
 }
 
 // A media type as "type/subtype": a slash with a name on each side and no blank.

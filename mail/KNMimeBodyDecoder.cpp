@@ -211,6 +211,27 @@ KNCString KNMimeBodyDecoder::decodeUUEncode(std::string_view text)
     return out;
 }
 
+std::size_t KNMimeBodyDecoder::decodedSize(std::string_view body, std::string_view encodingName)
+{
+    switch (encodingByName(encodingName)) {
+    case Encoding::Identity:
+    case Encoding::Unknown:
+        return body.size();
+    case Encoding::Base64: {
+        // As decodeBase64 reads: the alphabet up to the first "=", three bytes a group of four,
+        // one or two for a final group of two or three characters.
+        const std::size_t pad = body.find('=');
+        std::size_t characters = 0;
+        for (const char c : body.substr(0, pad))
+            characters += base64.values[static_cast<unsigned char>(c)] < 64;
+        const std::size_t rest = characters % 4;
+        return characters / 4 * 3 + (rest > 1 ? rest - 1 : 0);
+    }
+    default:
+        return decode(body, encodingName).data.size();
+    }
+}
+
 KNMimeBodyDecoder::Body KNMimeBodyDecoder::decode(std::string_view body, std::string_view encodingName)
 {
     Body result;

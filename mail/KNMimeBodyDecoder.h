@@ -76,6 +76,9 @@ public:
     static KNCString decodeUUEncode(std::string_view text);
     /// A body decoded by the encoding `encodingName` names.
     static Body decode(std::string_view body, std::string_view encodingName);
+    /// The size of decode(body, encodingName).data, counted without decoding base64 or
+    /// copying a body that needs no decoding.
+    static std::size_t decodedSize(std::string_view body, std::string_view encodingName);
     /// The body of a leaf part decoded by its Content-Transfer-Encoding header (none means
     /// identity); a multipart gives its printed body as stored.
     static Body decode(const KNMimePart& part);

@@ -146,11 +146,7 @@ PartSummary summarize(const KNMimePart& part, bool withSize)
     if (encoding)
         summary.encoding = lowerCase(*encoding);
     if (withSize && !part.isMultipart()) {
-        const KNCString body = part.getBody();
-        const auto decoding = KNMimeBodyDecoder::encodingByName(encoding.value_or(KNCString()));
-        const bool asStored = decoding == KNMimeBodyDecoder::Encoding::Identity ||
-                              decoding == KNMimeBodyDecoder::Encoding::Unknown;
-        summary.size = asStored ? body.size() : KNMimeBodyDecoder::decode(body, *encoding).data.size();
+        summary.size = KNMimeBodyDecoder::decodedSize(part.getBody(), encoding.value_or(KNCString()));
     }
     return summary;
 }

@@ -419,7 +419,19 @@ std::size_t KNMimeStructureReader::findDelimiterLine(std::size_t from, Delimiter
     std::size_t p = from;
     while (p < n) {
         const std::size_t blockEnd = std::min(n, p + block);
-        ensureChecked(blockEnd);
+        if (unchecked_ != nullptr && checked_ <= p) {
+            // The block is checked now, all of it: without a dash it holds no delimiter.
+            bool dash = true;
+            if (!unchecked_->isCrlfBetween(checked_, blockEnd, &dash))
+                throw NeedsCrlfCopy{};
+            checked_ = blockEnd;
+            if (!dash) {
+                p = blockEnd;
+                continue;
+            }
+        } else {
+            ensureChecked(blockEnd);
+        }
         const void* hit = std::memchr(data + p, '-', blockEnd - p);
         if (hit == nullptr) {
             p = blockEnd;

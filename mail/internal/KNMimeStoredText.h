@@ -9,6 +9,7 @@
 #include <foundation/KNCString.h>
 
 #include <cstddef>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -29,8 +30,9 @@ public:
 
     // Whether every CR in text() at positions [begin, end) is followed by an LF and every LF
     // there follows a CR (a byte at the edge of the range is paired with its neighbour
-    // outside it).
-    bool isCrlfBetween(std::size_t begin, std::size_t end) const;
+    // outside it). With `sawDash`, also tells whether a '-' stands there, which spares the
+    // reader a second look at a block without one for delimiter lines.
+    bool isCrlfBetween(std::size_t begin, std::size_t end, bool* sawDash = nullptr) const;
 
     bool hadByteOrderMark() const { return byteOrderMark_; }
     // Input offsets of the first bare CR, and of the first bare LF when the input also has
@@ -42,7 +44,7 @@ private:
     void normalise(std::string_view input, bool bareCarriageReturns);
 
     std::string_view text_;
-    KNCString storage_;
+    std::unique_ptr<char[]> storage_; // the copy, when one was made
     std::vector<std::size_t> inserted_; // positions in text_ of the bytes added, ascending
     std::size_t base_ = 0;              // input bytes dropped before text_ starts
     bool byteOrderMark_ = false;

@@ -4,6 +4,8 @@
 //
 // Skipped from the fixed point, and counted: a tree in which a nested boundary begins with
 // an enclosing one's (its delimiter lines then also split the enclosing body, as documented),
+// or a part whose printed text holds an enclosing delimiter inside a line (delimiters are
+// found anywhere in the text, as documented),
 // headers FuzzCheck.h leaves out (NUL in a token, quoting in a label), and parts that cannot be printed (for instance
 // a parsed value holding a bare CR).
 #include "FuzzCheck.h"
@@ -31,6 +33,7 @@ KNCString boundaryOf(const KNMimePart& part)
 }
 
 constexpr const char* prefixBoundary = "documented: a nested boundary begins with an enclosing one";
+constexpr const char* delimiterInText = "documented: a part's text holds an enclosing delimiter inside a line";
 
 // Why the tree is outside the fixed-point promise, or null: a multipart boundary that
 // begins with the boundary of a multipart around it, or a header left out by FuzzCheck.h.
@@ -47,6 +50,15 @@ const char* outsideFixedPoint(const KNMimePart& root)
         for (std::size_t i = 0; i < level.part.getHeaderCount(); ++i) {
             if (const char* reason = fuzzcheck::outsideFixedPoint(level.part.getHeader(i)))
                 return reason;
+        }
+        // Delimiters are found anywhere in a line, and a parsed value can print with "--" and
+        // a boundary joined that the input kept apart (a quote between them read away).
+        if (!level.enclosing.empty()) {
+            const KNCString printed = level.part.asString();
+            for (const KNCString& outer : level.enclosing) {
+                if (printed.find("--" + outer) != KNCString::npos)
+                    return delimiterInText;
+            }
         }
         if (!level.part.isMultipart())
             continue;

@@ -90,9 +90,9 @@ MediaType mediaTypeOf(const std::vector<KNMimeHeader>& headers, std::size_t cont
     return media;
 }
 
-KNMimePart leafPart(const std::vector<KNMimeHeader>& headers, std::string_view body)
+KNMimePart leafPart(const std::vector<KNMimeHeader>& headers, KNCString body)
 {
-    KNMimePart part(new KNMimeStringPartImp(KNCString(body)));
+    KNMimePart part(new KNMimeStringPartImp(std::move(body)));
     for (const KNMimeHeader& header : headers)
         part.insertHeader(header);
     return part;
@@ -155,13 +155,22 @@ void KNMimeStructureReader::ensureChecked(std::size_t upTo)
     if (unchecked_ == nullptr || upTo <= checked_)
         return;
     upTo = std::min(upTo, text_.size());
-    if (!unchecked_->isCrlfBetween(checked_, upTo))
+    if (!lineEndsHold(checked_, upTo, nullptr))
         throw NeedsCrlfCopy{};
     checked_ = upTo;
 }
 
+bool KNMimeStructureReader::lineEndsHold(std::size_t begin, std::size_t end, bool* sawDash) const
+{
+    return lineFeeds_ ? unchecked_->isBareLfBetween(begin, end, sawDash) : unchecked_->isCrlfBetween(begin, end, sawDash);
+}
+
 std::size_t KNMimeStructureReader::lineEnd(std::size_t pos) const
 {
+    if (lineFeeds_) {
+        const void* end = std::memchr(text_.data() + pos, '\n', text_.size() - pos);
+        return end == nullptr ? text_.size() : static_cast<std::size_t>(static_cast<const char*>(end) - text_.data());
+    }
     const std::size_t end = text_.find(crlf, pos);
     return end == npos ? text_.size() : end;
 }
@@ -169,40 +178,49 @@ std::size_t KNMimeStructureReader::lineEnd(std::size_t pos) const
 std::size_t KNMimeStructureReader::nextLine(std::size_t pos) const
 {
     const std::size_t end = lineEnd(pos);
-    return end == text_.size() ? end : end + crlf.size();
+    return end == text_.size() ? end : end + lineBreakSize();
+}
+
+// Text taken out of the input for the tree: as it stands, or with LF line ends made CRLF.
+KNCString KNMimeStructureReader::copyOut(std::string_view text) const
+{
+    return lineFeeds_ ? KNMimeStoredText::withCrlf(text) : KNCString(text);
 }
 
 KNMimePart KNMimeStructureReader::readStored(std::string_view stored, const OffsetMap& toInput, const KNCString& path,
                                              unsigned levels, bool openAttachedMessages, Output& output)
 {
+    // Text is read in place with the line ends its first line has: CRLF, or a bare LF (as
+    // mail stored on Unix has; what is copied out of it gets CRLF, as it is copied anyway).
+    // The line ends are checked as the reading goes; at the first other one (a bare CR, or
+    // the other kind), the read starts again from a CRLF copy.
     const std::size_t entities = output.entities.size();
     const std::size_t defects = output.defects.size();
-    // Text whose first line ends with a bare LF (as mail stored on Unix does) goes straight
-    // to the copy: starting to read it in place would only be undone.
     const std::size_t firstLineFeed = stored.find('\n');
-    const bool crlf = firstLineFeed == npos ? stored.find('\r') == npos
-                                            : firstLineFeed > 0 && stored[firstLineFeed - 1] == '\r';
+    const bool lineFeeds = firstLineFeed != npos && (firstLineFeed == 0 || stored[firstLineFeed - 1] != '\r');
     try {
-        if (crlf) {
+        if (firstLineFeed != npos || stored.find('\r') == npos) {
             const KNMimeStoredText text(stored, false);
-            return readText(text, true, toInput, path, levels, openAttachedMessages, output);
+            return readText(text, lineFeeds ? LineEnds::CheckedLineFeeds : LineEnds::CheckedCrlf, toInput, path,
+                            levels, openAttachedMessages, output);
         }
     } catch (const NeedsCrlfCopy&) {
         output.entities.erase(output.entities.begin() + static_cast<std::ptrdiff_t>(entities), output.entities.end());
         output.defects.erase(output.defects.begin() + static_cast<std::ptrdiff_t>(defects), output.defects.end());
     }
     const KNMimeStoredText text(stored, true);
-    return readText(text, false, toInput, path, levels, openAttachedMessages, output);
+    return readText(text, LineEnds::Crlf, toInput, path, levels, openAttachedMessages, output);
 }
 
-KNMimePart KNMimeStructureReader::readText(const KNMimeStoredText& text, bool checkLineEnds, const OffsetMap& toInput,
+KNMimePart KNMimeStructureReader::readText(const KNMimeStoredText& text, LineEnds lineEnds, const OffsetMap& toInput,
                                            const KNCString& path, unsigned levels, bool openAttachedMessages,
                                            Output& output)
 {
     const OffsetMap map = [&](std::size_t pos) { return toInput(text.inputOffset(pos)); };
     KNMimeStructureReader reader(text.text(), map, path, levels, openAttachedMessages, output);
-    if (checkLineEnds)
+    if (lineEnds != LineEnds::Crlf)
         reader.unchecked_ = &text;
+    reader.lineFeeds_ = lineEnds == LineEnds::CheckedLineFeeds;
     if (text.hadByteOrderMark())
         output.defects.push_back(KNMimeDefect{Kind::ByteOrderMark, path, toInput(0), "byte-order mark before the headers dropped"});
     if (text.firstBareCarriageReturn() != KNMimeStoredText::none)
@@ -242,7 +260,7 @@ KNMimePart KNMimeStructureReader::read(std::size_t start)
         if (line == npos)
             break;
         // The line end before a delimiter line belongs to the delimiter.
-        const std::size_t regionEnd = line >= cursor + crlf.size() ? line - crlf.size() : cursor;
+        const std::size_t regionEnd = line >= cursor + lineBreakSize() ? line - lineBreakSize() : cursor;
         if (!leaf_.empty())
             finishLeaf(regionEnd);
         while (frames_.size() > match.frame + 1)
@@ -255,7 +273,7 @@ KNMimePart KNMimeStructureReader::read(std::size_t start)
             for (const KNMimeHeader& header : frame.headers)
                 multipart.insertHeader(header);
             if (regionEnd > frame.bodyStart)
-                multipart.setPreamble(KNCString(text_.substr(frame.bodyStart, regionEnd - frame.bodyStart)));
+                multipart.setPreamble(copyOut(text_.substr(frame.bodyStart, regionEnd - frame.bodyStart)));
             frame.part = multipart;
             frame.state = Frame::State::Parts;
             deliver(multipart, frame.entity, enclosing(frames_.size() - 1));
@@ -312,7 +330,7 @@ KNMimeStructureReader::Head KNMimeStructureReader::readHead(std::size_t pos, con
             return head;
         }
         const std::size_t end = lineEnd(p);
-        const std::size_t next = end == text_.size() ? end : end + crlf.size();
+        const std::size_t next = end == text_.size() ? end : end + lineBreakSize();
         ensureChecked(std::max(next, p + checkAhead));
         const std::string_view line = text_.substr(p, end - p);
         Delimiter match;
@@ -351,7 +369,11 @@ void KNMimeStructureReader::addField(std::size_t start, std::size_t end, const K
 {
     const std::string_view field = text_.substr(start, end - start);
     const auto report = [&](Kind kind, const KNCString& text) { this->report(kind, path, start, text); };
-    std::optional<KNMimeHeader> header = KNMimeFieldReader::read(field, report);
+    // A field folded over LF line ends is read as the CRLF text it stands for.
+    KNCString crlfField;
+    if (lineFeeds_ && field.find('\n') != npos)
+        crlfField = copyOut(field);
+    std::optional<KNMimeHeader> header = KNMimeFieldReader::read(crlfField.empty() ? field : crlfField, report);
     if (!header)
         return;
     if (head.contentType == npos) {
@@ -422,7 +444,7 @@ std::size_t KNMimeStructureReader::findDelimiterLine(std::size_t from, Delimiter
         if (unchecked_ != nullptr && checked_ <= p) {
             // The block is checked now, all of it: without a dash it holds no delimiter.
             bool dash = true;
-            if (!unchecked_->isCrlfBetween(checked_, blockEnd, &dash))
+            if (!lineEndsHold(checked_, blockEnd, &dash))
                 throw NeedsCrlfCopy{};
             checked_ = blockEnd;
             if (!dash) {
@@ -440,7 +462,7 @@ std::size_t KNMimeStructureReader::findDelimiterLine(std::size_t from, Delimiter
         const std::size_t q = static_cast<const char*>(hit) - data;
         if (q + 1 < n && data[q + 1] == '-' && (q == from || data[q - 1] == '\n')) {
             const std::size_t end = lineEnd(q);
-            ensureChecked(end == n ? n : end + crlf.size());
+            ensureChecked(end == n ? n : end + lineBreakSize());
             if (matchDelimiter(q, end, match))
                 return q;
             p = end;
@@ -494,7 +516,7 @@ void KNMimeStructureReader::finishLeaf(std::size_t end)
     Leaf leaf = std::move(leaf_.back());
     leaf_.pop_back();
     const std::string_view body = leaf.bodyStart < end ? text_.substr(leaf.bodyStart, end - leaf.bodyStart) : std::string_view();
-    const KNMimePart part = leafPart(leaf.headers, body);
+    const KNMimePart part = leafPart(leaf.headers, copyOut(body));
     deliver(part, leaf.entity, enclosing(frames_.size()));
     if (leaf.attachedMessage && openAttachedMessages_)
         openAttachedMessage(part, body, leaf.bodyStart, leaf.path);
@@ -512,7 +534,7 @@ void KNMimeStructureReader::finishFrame(std::size_t end)
                "boundary \"" + KNMimeFieldReader::excerpt(frame.boundary) + "\" starts no line; read as one leaf");
         const std::string_view body =
             frame.bodyStart < end ? text_.substr(frame.bodyStart, end - frame.bodyStart) : std::string_view();
-        deliver(leafPart(frame.headers, body), frame.entity, enclosing(frames_.size()));
+        deliver(leafPart(frame.headers, copyOut(body)), frame.entity, enclosing(frames_.size()));
         break;
     }
     case Frame::State::Parts:
@@ -563,7 +585,7 @@ void KNMimeStructureReader::openAttachedMessage(const KNMimePart& leaf, std::str
                "attached message in the unknown transfer encoding \"" + KNMimeFieldReader::excerpt(encoding) +
                    "\" read as stored");
     if (kind != KNMimeBodyDecoder::Encoding::Identity && kind != KNMimeBodyDecoder::Encoding::Unknown) {
-        const KNCString decoded = KNMimeBodyDecoder::decode(body, encoding).data;
+        const KNCString decoded = KNMimeBodyDecoder::decode(copyOut(body), encoding).data;
         const std::size_t offset = toInput_(bodyStart);
         readStored(decoded, [offset](std::size_t) { return offset; }, messagePath, levels, openAttachedMessages_,
                    output_);

@@ -432,6 +432,7 @@ TEST(Reader, FindsDelimitersPastTheBlocksItChecksAhead)
             KNMimePart part;
             part.setBody(body);
             part.insertHeader(KNMimeGenericHeader("X-Part", std::to_string(i)));
+            part.insertHeader(KNMimeGenericHeader("X-Folded", "over\r\n two lines"));
             multipart.insertPart(part);
         }
         const KNCString printed = multipart.asString();
@@ -440,6 +441,13 @@ TEST(Reader, FindsDelimitersPastTheBlocksItChecksAhead)
         EXPECT_TRUE(readText(printed).getMessage() == strict) << round;
         const KNCString lineFeeds = replaceAll(printed, "\r\n", "\n");
         EXPECT_TRUE(readText(lineFeeds).getMessage() == strict) << round;
+        // LF text is read in place too, until a CR turns up: then from a CRLF copy.
+        const std::size_t late = lineFeeds.find('\n', lineFeeds.size() / 2);
+        const KNMimeReadResult mixedLate = readText(lineFeeds.substr(0, late) + "\r" + lineFeeds.substr(late));
+        EXPECT_TRUE(mixedLate.getMessage() == strict) << round;
+        ASSERT_EQ(mixedLate.getDefects().size(), 1u);
+        EXPECT_EQ(mixedLate.getDefects()[0].kind, KNMimeDefect::Kind::MixedLineEnds);
+        EXPECT_EQ(mixedLate.getDefects()[0].offset, lineFeeds.find('\n'));
 
         // One bare LF or bare CR deep inside CRLF text: the read starts over from a copy, and
         // the defect and every entity still point into the input.

@@ -33,6 +33,11 @@ public:
     // outside it). With `sawDash`, also tells whether a '-' stands there, which spares the
     // reader a second look at a block without one for delimiter lines.
     bool isCrlfBetween(std::size_t begin, std::size_t end, bool* sawDash = nullptr) const;
+    // The same for text read with bare LF line ends: whether no CR stands in [begin, end).
+    bool isBareLfBetween(std::size_t begin, std::size_t end, bool* sawDash = nullptr) const;
+
+    // `text`, which holds no CR, with every LF made CRLF.
+    static KNCString withCrlf(std::string_view text);
 
     bool hadByteOrderMark() const { return byteOrderMark_; }
     // Input offsets of the first bare CR, and of the first bare LF when the input also has

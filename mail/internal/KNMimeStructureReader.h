@@ -38,8 +38,8 @@ public:
     KNMimePart read(std::size_t start);
 
     // Reads a whole stored text, line ends and prefixes included, as message `path`. Text
-    // with CRLF line ends is read in place, its line ends checked as the reading goes; other
-    // text (or CRLF text that turns out to hold a bare CR or LF) is read from a CRLF copy.
+    // whose lines all end in CRLF, or all in a bare LF, is read in place, its line ends
+    // checked as the reading goes; other text is read from a CRLF copy.
     static KNMimePart readStored(std::string_view stored, const OffsetMap& toInput, const KNCString& path,
                                  unsigned levels, bool openAttachedMessages, Output& output);
 
@@ -58,9 +58,14 @@ private:
         bool close = false;
     };
 
-    static KNMimePart readText(const KNMimeStoredText& text, bool checkLineEnds, const OffsetMap& toInput,
+    // How the line ends of a text are read: CRLF (a copy made so), or CRLF or bare LF
+    // checked as the reading goes.
+    enum class LineEnds { Crlf, CheckedCrlf, CheckedLineFeeds };
+
+    static KNMimePart readText(const KNMimeStoredText& text, LineEnds lineEnds, const OffsetMap& toInput,
                                const KNCString& path, unsigned levels, bool openAttachedMessages, Output& output);
     void ensureChecked(std::size_t upTo);
+    bool lineEndsHold(std::size_t begin, std::size_t end, bool* sawDash) const;
     Head readHead(std::size_t pos, const KNCString& path, bool atRoot);
     void addField(std::size_t start, std::size_t end, const KNCString& path, Head& head);
     bool matchDelimiter(std::size_t pos, std::size_t lineEnd, Delimiter& match) const;
@@ -75,6 +80,8 @@ private:
     KNCString childPath() const;
     std::size_t lineEnd(std::size_t pos) const;
     std::size_t nextLine(std::size_t pos) const;
+    std::size_t lineBreakSize() const { return lineFeeds_ ? 1 : 2; }
+    KNCString copyOut(std::string_view text) const;
     void report(KNMimeDefect::Kind kind, const KNCString& path, std::size_t pos, const KNCString& text);
 
     std::string_view text_;
@@ -87,6 +94,7 @@ private:
     std::vector<Leaf> leaf_; // at most one leaf whose body is still open
     const KNMimeStoredText* unchecked_ = nullptr; // text whose line ends are checked as read
     std::size_t checked_ = 0;                     // ... up to here
+    bool lineFeeds_ = false;                      // lines end in a bare LF, made CRLF when copied out
     KNMimePart message_;
 };
 

@@ -52,6 +52,60 @@ KNCString squeezedName(std::string_view name)
     return out;
 }
 
+// Counts the bytes a decoder would write, for a decoded size without the decoded copy.
+struct ByteCount {
+    std::size_t size = 0;
+    void append(const char*, std::size_t n) { size += n; }
+    ByteCount& operator+=(char)
+    {
+        ++size;
+        return *this;
+    }
+};
+
+// Decodes quoted-printable `text` into `out`, which takes runs of bytes (append) and single
+// bytes (+=): a string for the decoded bytes, or a count of them.
+template <class Out>
+void readQuotedPrintable(std::string_view text, Out& out)
+{
+    std::size_t pos = 0;
+    while (pos < text.size()) {
+        std::size_t lineEnd = text.find('\n', pos);
+        const bool hasBreak = lineEnd != std::string_view::npos;
+        if (!hasBreak)
+            lineEnd = text.size();
+        std::size_t contentEnd = lineEnd;
+        const bool crlf = hasBreak && contentEnd > pos && text[contentEnd - 1] == '\r';
+        if (crlf)
+            --contentEnd;
+        while (contentEnd > pos && isBlank(text[contentEnd - 1]))
+            --contentEnd; // blanks at a line end were added in transport
+        const bool softBreak = contentEnd > pos && text[contentEnd - 1] == '=';
+        if (softBreak)
+            --contentEnd;
+        for (std::size_t i = pos; i < contentEnd;) {
+            const void* found = std::memchr(text.data() + i, '=', contentEnd - i);
+            const std::size_t eq = found == nullptr ? contentEnd
+                                                    : static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
+            out.append(text.data() + i, eq - i);
+            if (eq == contentEnd)
+                break;
+            const int hi = contentEnd - eq >= 3 ? knHexDigitValue(text[eq + 1]) : -1;
+            const int lo = contentEnd - eq >= 3 ? knHexDigitValue(text[eq + 2]) : -1;
+            if (hi >= 0 && lo >= 0) {
+                out += static_cast<char>(hi << 4 | lo);
+                i = eq + 3;
+            } else {
+                out += '='; // an invalid escape stays as it stands
+                i = eq + 1;
+            }
+        }
+        if (hasBreak && !softBreak)
+            out.append(crlf ? "\r\n" : "\n", crlf ? 2 : 1);
+        pos = hasBreak ? lineEnd + 1 : text.size();
+    }
+}
+
 } // namespace
 
 KNMimeBodyDecoder::Encoding KNMimeBodyDecoder::encodingByName(std::string_view name)
@@ -126,42 +180,7 @@ KNCString KNMimeBodyDecoder::decodeQuotedPrintable(std::string_view text)
 {
     KNCString out;
     out.reserve(text.size());
-    std::size_t pos = 0;
-    while (pos < text.size()) {
-        std::size_t lineEnd = text.find('\n', pos);
-        const bool hasBreak = lineEnd != std::string_view::npos;
-        if (!hasBreak)
-            lineEnd = text.size();
-        std::size_t contentEnd = lineEnd;
-        const bool crlf = hasBreak && contentEnd > pos && text[contentEnd - 1] == '\r';
-        if (crlf)
-            --contentEnd;
-        while (contentEnd > pos && isBlank(text[contentEnd - 1]))
-            --contentEnd; // blanks at a line end were added in transport
-        const bool softBreak = contentEnd > pos && text[contentEnd - 1] == '=';
-        if (softBreak)
-            --contentEnd;
-        for (std::size_t i = pos; i < contentEnd;) {
-            const void* found = std::memchr(text.data() + i, '=', contentEnd - i);
-            const std::size_t eq = found == nullptr ? contentEnd
-                                                    : static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
-            out.append(text.data() + i, eq - i);
-            if (eq == contentEnd)
-                break;
-            const int hi = contentEnd - eq >= 3 ? knHexDigitValue(text[eq + 1]) : -1;
-            const int lo = contentEnd - eq >= 3 ? knHexDigitValue(text[eq + 2]) : -1;
-            if (hi >= 0 && lo >= 0) {
-                out += static_cast<char>(hi << 4 | lo);
-                i = eq + 3;
-            } else {
-                out += '='; // an invalid escape stays as it stands
-                i = eq + 1;
-            }
-        }
-        if (hasBreak && !softBreak)
-            out.append(crlf ? "\r\n" : "\n");
-        pos = hasBreak ? lineEnd + 1 : text.size();
-    }
+    readQuotedPrintable(text, out);
     return out;
 }
 
@@ -226,6 +245,11 @@ std::size_t KNMimeBodyDecoder::decodedSize(std::string_view body, std::string_vi
             characters += base64.values[static_cast<unsigned char>(c)] < 64;
         const std::size_t rest = characters % 4;
         return characters / 4 * 3 + (rest > 1 ? rest - 1 : 0);
+    }
+    case Encoding::QuotedPrintable: {
+        ByteCount count;
+        readQuotedPrintable(body, count);
+        return count.size;
     }
     default:
         return decode(body, encodingName).data.size();

@@ -1,5 +1,7 @@
 #include "partinfo.h"
 
+#include <mime/KNMimeContentDispositionHeaderImp.h>
+#include <mime/KNMimeContentTypeHeaderImp.h>
 #include <mime/KNMimeHeaderImp.h>
 
 #include "mailinput.h"
@@ -45,29 +47,47 @@ KNCString decodedParameters(const KNCString& value)
     return text;
 }
 
-// The unfolded values of the first header with each of `labels`, found in one pass over the
-// part's headers (the tool reads several headers of every part).
+// The first header with each of `labels`, found in one pass over the part's headers (the
+// tool reads several headers of every part).
 template <std::size_t N>
-std::array<std::optional<KNCString>, N> headerValues(const KNMimePart& part, const std::array<const char*, N>& labels)
+std::array<std::optional<KNMimeHeader>, N> firstHeaders(const KNMimePart& part, const std::array<const char*, N>& labels)
 {
-    std::array<std::optional<KNCString>, N> values;
-    std::array<bool, N> seen{};
+    std::array<std::optional<KNMimeHeader>, N> headers;
     std::size_t left = N;
     const std::size_t count = part.getHeaderCount();
     for (std::size_t i = 0; i < count && left > 0; ++i) {
-        const KNMimeHeader header = part.getHeader(i);
+        KNMimeHeader header = part.getHeader(i);
         const KNCString label = header.getLabel();
         for (std::size_t k = 0; k < N; ++k) {
-            if (seen[k] || !knEqualsIgnoreCase(label, labels[k]))
-                continue;
-            seen[k] = true;
-            --left;
-            try { // the value as it prints, before folding: no fold to make and undo
-                values[k] = header.body()->getValueAsString();
-            } catch (const KNxmsg&) { // a value that cannot be printed; the view reads what it can
-                values[k] = KNMimeMessageView::header(part, labels[k]);
+            if (!headers[k] && knEqualsIgnoreCase(label, labels[k])) {
+                headers[k] = std::move(header);
+                --left;
+                break;
             }
         }
+    }
+    return headers;
+}
+
+// The unfolded value of `header` (the first of the part's headers with `label`).
+std::optional<KNCString> headerValue(const KNMimePart& part, const KNMimeHeader& header, const char* label)
+{
+    try { // the value as it prints, before folding: no fold to make and undo
+        return header.body()->getValueAsString();
+    } catch (const KNxmsg&) { // a value that cannot be printed; the view reads what it can
+        return KNMimeMessageView::header(part, label);
+    }
+}
+
+// The unfolded values of the first header with each of `labels`.
+template <std::size_t N>
+std::array<std::optional<KNCString>, N> headerValues(const KNMimePart& part, const std::array<const char*, N>& labels)
+{
+    const auto headers = firstHeaders(part, labels);
+    std::array<std::optional<KNCString>, N> values;
+    for (std::size_t k = 0; k < N; ++k) {
+        if (headers[k])
+            values[k] = headerValue(part, *headers[k], labels[k]);
     }
     return values;
 }
@@ -82,23 +102,55 @@ KNCString decodedValue(const KNCString& value)
     return KNMimeHeaderText::decode(value);
 }
 
-KNMimeExtendedParameters parametersOf(const std::optional<KNCString>& value)
+// The leading value and the parameters of a parsed Content-Type or Content-Disposition, as
+// KNMimeExtendedParameters reads them from the printed value: the leading tokens lower-cased,
+// each parameter under its own name with its value (printed quoted) without line breaks.
+// Nothing when the header is of another kind or would not print (a name that is no token).
+std::optional<KNMimeExtendedParameters> typedParameters(const KNMimeHeaderImp* header)
 {
-    return value ? KNMimeExtendedParameters::fromHeaderValue(*value) : KNMimeExtendedParameters();
+    KNCString value;
+    KNMimeParameterList parameters;
+    if (const auto* type = dynamic_cast<const KNMimeContentTypeHeaderImp*>(header)) {
+        const KNMimeContentType contentType = type->getContentType();
+        const KNMimeContentTypeImp& imp = *contentType.body();
+        if (!KNMimeUtils::isToken(imp.getMediaType()) || !KNMimeUtils::isToken(imp.getSubType()))
+            return std::nullopt;
+        value = lowerCase(imp.getMediaType() + '/' + imp.getSubType());
+        parameters = imp.parameterList();
+    } else if (const auto* disposition = dynamic_cast<const KNMimeContentDispositionHeaderImp*>(header)) {
+        const KNMimeContentDisposition contentDisposition = disposition->getContentDisposition();
+        const KNMimeContentDispositionImp& imp = *contentDisposition.body();
+        value = lowerCase(imp.getType());
+        if (!KNMimeUtils::isToken(value))
+            return std::nullopt;
+        parameters = imp.parameterList();
+    } else {
+        return std::nullopt;
+    }
+    KNMimeExtendedParameters result;
+    result.setValue(value);
+    for (std::size_t i = 0; i < parameters.getParameterCount(); ++i) {
+        const KNMimeParameter parameter = parameters.getParameter(i);
+        const KNCString name = parameter.getName();
+        if (!KNMimeUtils::isToken(name))
+            return std::nullopt;
+        KNCString text = parameter.getValue();
+        text.erase(std::remove_if(text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n'; }), text.end());
+        result.add(name, text);
+    }
+    return result;
 }
 
-// Whether `text` holds `word` in any case. A parameter is looked up only when its name
-// appears in the header value: most parts have no name and many no charset.
-bool mentions(const std::optional<KNCString>& text, std::string_view word)
+// The parameters of the header, read from the parsed header where possible and else from
+// its printed value (or what the view reads of it).
+KNMimeExtendedParameters parametersOf(const KNMimePart& part, const std::optional<KNMimeHeader>& header, const char* label)
 {
-    if (!text || text->size() < word.size())
-        return false;
-    const std::string_view value = *text;
-    for (std::size_t i = 0; i + word.size() <= value.size(); ++i) {
-        if (knToLowerAscii(value[i]) == word[0] && knEqualsIgnoreCase(value.substr(i, word.size()), word))
-            return true;
-    }
-    return false;
+    if (!header)
+        return KNMimeExtendedParameters();
+    if (std::optional<KNMimeExtendedParameters> typed = typedParameters(header->body()))
+        return std::move(*typed);
+    const std::optional<KNCString> value = headerValue(part, *header, label);
+    return value ? KNMimeExtendedParameters::fromHeaderValue(*value) : KNMimeExtendedParameters();
 }
 
 // A media type as "type/subtype": a slash with a name on each side and no blank.
@@ -125,28 +177,28 @@ std::array<std::optional<KNCString>, 4> summaryHeaders(const KNMimePart& message
 }
 
 // Each header is read once here (tree --json runs this for every part of every message):
-// the file name comes from the same parameters as the media type and the charset.
+// the media type, the charset and the file name come from the parsed headers' own values,
+// not from printing them and reading the text again.
 PartSummary summarize(const KNMimePart& part, bool withSize)
 {
     PartSummary summary;
     static const std::array<const char*, 3> labels = {"Content-Type", "Content-Disposition", "Content-Transfer-Encoding"};
-    const auto values = headerValues(part, labels);
-    const KNMimeExtendedParameters type = parametersOf(values[0]);
+    const auto headers = firstHeaders(part, labels);
+    const KNMimeExtendedParameters type = parametersOf(part, headers[0], labels[0]);
     summary.type = isMediaType(type.getValue()) ? type.getValue() : KNCString("text/plain");
-    if (mentions(values[0], "charset"))
-        summary.charset = type.get("charset");
-    const KNMimeExtendedParameters disposition = parametersOf(values[1]);
+    summary.charset = type.get("charset");
+    const KNMimeExtendedParameters disposition = parametersOf(part, headers[1], labels[1]);
     if (!disposition.getValue().empty())
         summary.disposition = disposition.getValue();
-    if (mentions(values[1], "filename"))
-        summary.filename = disposition.get("filename");
-    if (!summary.filename && mentions(values[0], "name"))
+    summary.filename = disposition.get("filename");
+    if (!summary.filename)
         summary.filename = type.get("name");
-    const std::optional<KNCString>& encoding = values[2];
+    const std::optional<KNCString> encoding = headers[2] ? headerValue(part, *headers[2], labels[2]) : std::nullopt;
     if (encoding)
         summary.encoding = lowerCase(*encoding);
     if (withSize && !part.isMultipart()) {
-        summary.size = KNMimeBodyDecoder::decodedSize(part.getBody(), encoding.value_or(KNCString()));
+        const KNCString body = part.getBody();
+        summary.size = encoding ? KNMimeBodyDecoder::decodedSize(body, *encoding) : body.size();
     }
     return summary;
 }

@@ -219,13 +219,13 @@ int runShow(const Invocation& invocation)
 
 namespace {
 
-// The header block of the entity as it stands in the input: from its first byte up to the
-// empty line that ends it (or the end of the input).
-std::string_view rawHeaderBlock(const Mail& mail, const KNMimeReadResult::Entity& entity)
+// The header block that starts at `offset` of `text`: up to the empty line that ends it (or
+// the end of the text).
+std::string_view headerBlockAt(std::string_view text, std::size_t offset)
 {
-    if (entity.offset >= mail.text.size())
+    if (offset >= text.size())
         return {};
-    const std::string_view rest = mail.text.substr(entity.offset);
+    const std::string_view rest = text.substr(offset);
     for (std::size_t start = 0; start < rest.size();) {
         std::size_t end = rest.find('\n', start);
         end = end == std::string_view::npos ? rest.size() : end + 1;
@@ -237,6 +237,47 @@ std::string_view rawHeaderBlock(const Mail& mail, const KNMimeReadResult::Entity
     return rest;
 }
 
+// Whether the reader undid the transfer encoding of `leaf` to read the message attached in
+// it (base64, quoted-printable, uuencode), as it names the encoding.
+bool isDecodedForReading(const KNMimePart& leaf)
+{
+    const std::size_t i = leaf.findHeader("Content-Transfer-Encoding", 0);
+    if (leaf.isMultipart() || i == KNCString::npos)
+        return false;
+    KNCString encoding;
+    try {
+        encoding = knToLower(KNMimeUtils::cleanToken(leaf.getHeader(i).body()->getValueAsString(), true));
+    } catch (const KNxmsg&) {
+        return false;
+    }
+    const KNMimeBodyDecoder::Encoding kind = KNMimeBodyDecoder::encodingByName(encoding);
+    return kind != KNMimeBodyDecoder::Encoding::Identity && kind != KNMimeBodyDecoder::Encoding::Unknown;
+}
+
+// The header block of the entity at reader path `path` of `result`, read from `text`, as it
+// stands in the text the reader read it from. An entity of a message attached in a leaf sent
+// in base64 or quoted-printable stands in that decoded message, not in `text` (the reader
+// gives it the offset of the encoded body): the leaf's body is decoded and read again, and
+// the block taken from there, which may hold another such leaf.
+KNCString rawHeaderBlock(std::string_view text, const KNMimeReadResult& result, const KNCString& path)
+{
+    // The leaves on the way, outermost first: "" holds "1", "2" holds "2.1", "2.1.3" holds "2.1.3.1".
+    for (std::size_t end = 0; end <= path.size(); end = path.find('.', end + 1)) {
+        const std::size_t attached = end == 0 ? 0 : end + 1; // where the ".1" of the message starts
+        if (path.compare(attached, 1, "1") != 0 || (attached + 1 < path.size() && path[attached + 1] != '.'))
+            continue;
+        const std::optional<KNMimeReadResult::Entity> leaf = result.findEntity(path.substr(0, end));
+        if (!leaf || !isDecodedForReading(leaf->part))
+            continue;
+        const KNCString decoded = KNMimeBodyDecoder::decode(leaf->part).data;
+        const KNMimeReadResult inner = KNMimeReader().read(decoded);
+        const KNCString innerPath = attached + 2 <= path.size() ? path.substr(attached + 2) : KNCString();
+        return rawHeaderBlock(decoded, inner, innerPath);
+    }
+    const std::optional<KNMimeReadResult::Entity> entity = result.findEntity(path);
+    return entity ? KNCString(headerBlockAt(text, entity->offset)) : KNCString();
+}
+
 } // namespace
 
 int runHeaders(const Invocation& invocation)
@@ -246,7 +287,7 @@ int runHeaders(const Invocation& invocation)
         const KNMimeReadResult::Entity entity = entityAt(mail, pathText);
         printHeading(mail);
         if (invocation.has("--raw")) {
-            const std::string_view block = rawHeaderBlock(mail, entity);
+            const KNCString block = rawHeaderBlock(mail.text, mail.result, entity.path);
             std::cout.write(block.data(), static_cast<std::streamsize>(block.size()));
             return;
         }

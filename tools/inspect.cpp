@@ -102,79 +102,87 @@ void printTree(const Mail& mail, bool withDefects)
     }
 }
 
-void appendNode(KNCString& out, const KNCString& path, const PartSummary& summary)
+// A reader path as the user writes it, without a copy.
+std::string_view shownPathView(const KNCString& readerPath)
 {
-    out += '{';
-    appendJsonKey(out, "path", true);
-    appendJsonString(out, shownPath(path));
-    appendJsonKey(out, "type");
-    appendJsonString(out, summary.type);
-    const std::pair<const char*, const std::optional<KNCString>*> strings[] = {
-        {"charset", &summary.charset}, {"encoding", &summary.encoding},
-        {"disposition", &summary.disposition}, {"filename", &summary.filename}};
-    for (const auto& [key, value] : strings) {
-        appendJsonKey(out, key);
-        appendJsonStringOrNull(out, *value);
-    }
-    appendJsonKey(out, "size");
-    appendJsonNumber(out, summary.size);
-    appendJsonKey(out, "parts");
-    out += '[';
+    return readerPath.empty() ? std::string_view(".") : std::string_view(readerPath);
+}
+
+void appendNode(JsonText& out, const KNCString& path, const PartSummary& summary)
+{
+    out.raw('{');
+    out.key("path", true);
+    out.string(shownPathView(path));
+    out.key("type");
+    out.string(summary.type);
+    out.key("charset");
+    out.stringOrNull(summary.charset);
+    out.key("encoding");
+    out.stringOrNull(summary.encoding);
+    out.key("disposition");
+    out.stringOrNull(summary.disposition);
+    out.key("filename");
+    out.stringOrNull(summary.filename);
+    out.key("size");
+    out.number(summary.size);
+    out.key("parts");
+    out.raw('[');
 }
 
 // One message as one line of JSON, built in `out` (kept from message to message, so that
-// its memory is reused). The entities come depth first, so the open nodes form a stack: a
-// node closes when the next entity is no deeper than it.
-void printJson(const Mail& mail, KNCString& out)
+// its memory is reused) and written in one piece. The entities come depth first, so the open
+// nodes form a stack: a node closes when the next entity is no deeper than it.
+void printJson(const Mail& mail, JsonText& out)
 {
     out.clear();
-    out += '{';
-    appendJsonKey(out, "defects", true);
-    out += '[';
+    out.raw('{');
+    out.key("defects", true);
+    out.raw('[');
     bool first = true;
     for (const KNMimeDefect& defect : mail.result.getDefects()) {
         if (!first)
-            out += ',';
+            out.raw(',');
         first = false;
-        out += '{';
-        appendJsonKey(out, "kind", true);
-        appendJsonString(out, defect.kindName());
-        appendJsonKey(out, "path");
-        appendJsonString(out, shownPath(defect.path));
-        appendJsonKey(out, "offset");
-        appendJsonNumber(out, defect.offset);
-        appendJsonKey(out, "text");
-        appendJsonString(out, defect.text);
-        out += '}';
+        out.raw('{');
+        out.key("kind", true);
+        out.string(defect.kindName());
+        out.key("path");
+        out.string(shownPathView(defect.path));
+        out.key("offset");
+        out.number(defect.offset);
+        out.key("text");
+        out.string(defect.text);
+        out.raw('}');
     }
-    out += ']';
+    out.raw(']');
     // The summary holds From, To, Date, Subject; the keys come in the documented order.
     const auto summary = summaryHeaders(mail.result.getMessage());
     const std::pair<const char*, std::size_t> keys[] = {{"from", 0}, {"to", 1}, {"subject", 3}, {"date", 2}};
     for (const auto& [key, index] : keys) {
-        appendJsonKey(out, key);
-        appendJsonStringOrNull(out, summary[index]);
+        out.key(key);
+        out.stringOrNull(summary[index]);
     }
-    appendJsonKey(out, "root");
+    out.key("root");
 
     std::size_t open = 0;      // nodes written and not yet closed
     bool hasChildren = false;  // whether the innermost open node has a child yet
     for (const KNMimeReadResult::Entity& entity : mail.result.getEntities()) {
         const std::size_t depth = depthOf(entity.path);
         for (; open > depth; --open) {
-            out += "]}";
+            out.raw("]}");
             hasChildren = true;
         }
         if (open > 0 && hasChildren)
-            out += ',';
+            out.raw(',');
         appendNode(out, entity.path, summarize(entity.part));
         ++open;
         hasChildren = false;
     }
     for (; open > 0; --open)
-        out += "]}";
-    out += "}\n";
-    std::cout.write(out.data(), static_cast<std::streamsize>(out.size()));
+        out.raw("]}");
+    out.raw("}\n");
+    const std::string_view text = out.text();
+    std::cout.write(text.data(), static_cast<std::streamsize>(text.size()));
 }
 
 } // namespace
@@ -182,7 +190,7 @@ void printJson(const Mail& mail, KNCString& out)
 int runTree(const Invocation& invocation)
 {
     const KNCString file = invocation.operands.empty() ? KNCString() : invocation.operands[0];
-    KNCString json;
+    JsonText json;
     forEachMail(file, [&](const Mail& mail) {
         if (invocation.has("--json"))
             printJson(mail, json);

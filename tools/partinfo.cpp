@@ -9,14 +9,12 @@
 #include <mail/KNMimeMail.h>
 
 #include <algorithm>
-#include <cctype>
 
 namespace {
 
 KNCString lowerCase(KNCString text)
 {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    std::transform(text.begin(), text.end(), text.begin(), knToLowerAscii);
     return text;
 }
 
@@ -102,63 +100,103 @@ KNCString decodedValue(const KNCString& value)
     return KNMimeHeaderText::decode(value);
 }
 
-// The leading value and the parameters of a parsed Content-Type or Content-Disposition, as
-// KNMimeExtendedParameters reads them from the printed value: the leading tokens lower-cased,
-// each parameter under its own name with its value (printed quoted) without line breaks.
-// Nothing when the header is of another kind or would not print (a name that is no token).
-std::optional<KNMimeExtendedParameters> typedParameters(const KNMimeHeaderImp* header)
-{
+// What the summary reads of a Content-Type or Content-Disposition header: the leading value
+// as KNMimeExtendedParameters gives it (trimmed, lower-cased) and the values of up to two
+// parameters, decoded to UTF-8.
+struct ParameterValues {
     KNCString value;
-    KNMimeParameterList parameters;
-    if (const auto* type = dynamic_cast<const KNMimeContentTypeHeaderImp*>(header)) {
-        const KNMimeContentType contentType = type->getContentType();
-        const KNMimeContentTypeImp& imp = *contentType.body();
-        if (!KNMimeUtils::isToken(imp.getMediaType()) || !KNMimeUtils::isToken(imp.getSubType()))
-            return std::nullopt;
-        value = lowerCase(imp.getMediaType() + '/' + imp.getSubType());
-        parameters = imp.parameterList();
-    } else if (const auto* disposition = dynamic_cast<const KNMimeContentDispositionHeaderImp*>(header)) {
-        const KNMimeContentDisposition contentDisposition = disposition->getContentDisposition();
-        const KNMimeContentDispositionImp& imp = *contentDisposition.body();
-        value = lowerCase(imp.getType());
-        if (!KNMimeUtils::isToken(value))
-            return std::nullopt;
-        parameters = imp.parameterList();
-    } else {
-        return std::nullopt;
-    }
-    KNMimeExtendedParameters result;
-    result.setValue(value);
-    for (std::size_t i = 0; i < parameters.getParameterCount(); ++i) {
-        const KNMimeParameter parameter = parameters.getParameter(i);
-        const KNCString name = parameter.getName();
-        if (!KNMimeUtils::isToken(name))
-            return std::nullopt;
-        KNCString text = parameter.getValue();
-        text.erase(std::remove_if(text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n'; }), text.end());
-        result.add(name, text);
-    }
-    return result;
+    std::array<std::optional<KNCString>, 2> parameters;
+};
+
+bool equalsName(std::string_view written, std::string_view name)
+{
+    return written.size() == name.size() && knEqualsIgnoreCase(written, name);
 }
 
-// The parameters of the header, read from the parsed header where possible and else from
-// its printed value (or what the view reads of it).
-KNMimeExtendedParameters parametersOf(const KNMimePart& part, const std::optional<KNMimeHeader>& header, const char* label)
+// A parameter value as KNMimeExtendedParameters::get gives a plain one (not RFC 2231): line
+// breaks, which printing the header and reading it again drop, left out; encoded words and
+// 8-bit bytes decoded. Printable ASCII without an encoded word is itself.
+KNCString decodedParameter(KNCString value)
 {
-    if (!header)
-        return KNMimeExtendedParameters();
-    if (std::optional<KNMimeExtendedParameters> typed = typedParameters(header->body()))
-        return std::move(*typed);
-    const std::optional<KNCString> value = headerValue(part, *header, label);
-    return value ? KNMimeExtendedParameters::fromHeaderValue(*value) : KNMimeExtendedParameters();
+    if (value.find_first_of("\r\n") != KNCString::npos)
+        value.erase(std::remove_if(value.begin(), value.end(), [](char c) { return c == '\r' || c == '\n'; }), value.end());
+    const bool plain = std::all_of(value.begin(), value.end(), [](char c) { return c >= 0x20 && c < 0x7f; });
+    if (plain && value.find("=?") == KNCString::npos)
+        return value;
+    return KNMimeHeaderText::decode(value);
+}
+
+// Reads `names` from the parsed header's own values, giving what printing the header and
+// reading the text with KNMimeExtendedParameters would give, without doing either. False
+// (with `out` in any state) for another kind of header, one that would not print (a type or
+// name that is no token) and one with an RFC 2231 form of a name asked for, whose pieces
+// KNMimeExtendedParameters puts together.
+bool readParsedParameters(const KNMimeHeaderImp* header, const std::array<std::string_view, 2>& names, ParameterValues& out)
+{
+    std::optional<KNMimeContentType> contentType;         // hold the value the list belongs to
+    std::optional<KNMimeContentDisposition> disposition;
+    const KNMimeParameterList* list = nullptr;
+    if (const auto* typeHeader = dynamic_cast<const KNMimeContentTypeHeaderImp*>(header)) {
+        contentType = typeHeader->getContentType();
+        const KNMimeContentTypeImp& type = *contentType->body();
+        if (!KNMimeUtils::isToken(type.getMediaType()) || !KNMimeUtils::isToken(type.getSubType()))
+            return false;
+        out.value = lowerCase(type.getMediaType() + '/' + type.getSubType());
+        list = &type.parameterList();
+    } else if (const auto* dispositionHeader = dynamic_cast<const KNMimeContentDispositionHeaderImp*>(header)) {
+        disposition = dispositionHeader->getContentDisposition();
+        out.value = lowerCase(disposition->body()->getType());
+        if (!KNMimeUtils::isToken(out.value))
+            return false;
+        list = &disposition->body()->parameterList();
+    } else {
+        return false;
+    }
+    for (std::size_t i = 0; i < list->getParameterCount(); ++i) {
+        const KNMimeParameter parameter = list->getParameter(i);
+        const KNCString written = parameter.getName();
+        if (!KNMimeUtils::isToken(written))
+            return false;
+        for (std::size_t k = 0; k < names.size(); ++k) {
+            const std::string_view name = names[k];
+            if (name.empty())
+                continue;
+            if (written.size() > name.size() && written[name.size()] == '*' &&
+                knEqualsIgnoreCase(std::string_view(written).substr(0, name.size()), name))
+                return false;
+            if (!out.parameters[k] && equalsName(written, name))
+                out.parameters[k] = decodedParameter(parameter.getValue());
+        }
+    }
+    return true;
+}
+
+// The leading value and the parameters `names` of the header; a second name may be empty.
+ParameterValues parameterValues(const KNMimePart& part, const std::optional<KNMimeHeader>& header, const char* label,
+                                const std::array<std::string_view, 2>& names)
+{
+    ParameterValues values;
+    if (!header || readParsedParameters(header->body(), names, values))
+        return values;
+    values = ParameterValues();
+    const std::optional<KNCString> text = headerValue(part, *header, label);
+    const KNMimeExtendedParameters parameters = text ? KNMimeExtendedParameters::fromHeaderValue(*text) : KNMimeExtendedParameters();
+    values.value = parameters.getValue();
+    for (std::size_t k = 0; k < names.size(); ++k) {
+        if (!names[k].empty())
+            values.parameters[k] = parameters.get(names[k]);
+    }
+    return values;
 }
 
 // A media type as "type/subtype": a slash with a name on each side and no blank.
 bool isMediaType(const KNCString& text)
 {
     const std::size_t slash = text.find('/');
-    return slash != KNCString::npos && slash > 0 && slash + 1 < text.size() &&
-           text.find_first_of(" \t/", slash + 1) == KNCString::npos;
+    if (slash == KNCString::npos || slash == 0 || slash + 1 == text.size())
+        return false;
+    return std::none_of(text.begin() + static_cast<std::ptrdiff_t>(slash) + 1, text.end(),
+                        [](char c) { return c == ' ' || c == '\t' || c == '/'; });
 }
 
 } // namespace
@@ -184,15 +222,13 @@ PartSummary summarize(const KNMimePart& part, bool withSize)
     PartSummary summary;
     static const std::array<const char*, 3> labels = {"Content-Type", "Content-Disposition", "Content-Transfer-Encoding"};
     const auto headers = firstHeaders(part, labels);
-    const KNMimeExtendedParameters type = parametersOf(part, headers[0], labels[0]);
-    summary.type = isMediaType(type.getValue()) ? type.getValue() : KNCString("text/plain");
-    summary.charset = type.get("charset");
-    const KNMimeExtendedParameters disposition = parametersOf(part, headers[1], labels[1]);
-    if (!disposition.getValue().empty())
-        summary.disposition = disposition.getValue();
-    summary.filename = disposition.get("filename");
-    if (!summary.filename)
-        summary.filename = type.get("name");
+    ParameterValues type = parameterValues(part, headers[0], labels[0], {"charset", "name"});
+    summary.type = isMediaType(type.value) ? std::move(type.value) : KNCString("text/plain");
+    summary.charset = std::move(type.parameters[0]);
+    ParameterValues disposition = parameterValues(part, headers[1], labels[1], {"filename", ""});
+    if (!disposition.value.empty())
+        summary.disposition = std::move(disposition.value);
+    summary.filename = disposition.parameters[0] ? std::move(disposition.parameters[0]) : std::move(type.parameters[1]);
     const std::optional<KNCString> encoding = headers[2] ? headerValue(part, *headers[2], labels[2]) : std::nullopt;
     if (encoding)
         summary.encoding = lowerCase(*encoding);

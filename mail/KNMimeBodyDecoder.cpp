@@ -6,6 +6,7 @@
 #include <mail/internal/KNMimeMailScan.h>
 #include <mime/KNMimePart.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -32,6 +33,22 @@ struct Base64Table {
 };
 
 constexpr Base64Table base64;
+
+// Whether all eight bytes of `word` are base64 characters, tested on the word at once: for
+// bytes below 0x80, adding 0x80 - lo to each sets its top bit exactly when it is at least lo,
+// with no carry into the next byte.
+bool isBase64Word(std::uint64_t word)
+{
+    constexpr std::uint64_t ones = 0x0101010101010101u;
+    constexpr std::uint64_t tops = 0x8080808080808080u;
+    if (word & tops)
+        return false;
+    auto atLeast = [](std::uint64_t w, unsigned lo) { return w + (0x80 - lo) * ones; };
+    auto between = [&](std::uint64_t w, unsigned lo, unsigned hi) { return atLeast(w, lo) & ~atLeast(w, hi + 1); };
+    const std::uint64_t letters = between(word | 0x20 * ones, 'a', 'z');              // A-Z and a-z
+    const std::uint64_t signs = between(word, '+', '9') & ~between(word, ',', '.'); // + / 0-9
+    return ((letters | signs) & tops) == tops;
+}
 
 // The name with comments, quotes, blanks, '-' and '_' removed and letters lower-cased.
 KNCString squeezedName(std::string_view name)
@@ -68,7 +85,14 @@ struct ByteCount {
 template <class Out>
 void readQuotedPrintable(std::string_view text, Out& out)
 {
+    // The next '=' (or the end): searched in the rest of the text, not line by line, so that
+    // a text with few escapes costs one search for each line end and few more.
+    auto findEq = [text](std::size_t from) {
+        const void* found = std::memchr(text.data() + from, '=', text.size() - from);
+        return found == nullptr ? text.size() : static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
+    };
     std::size_t pos = 0;
+    std::size_t nextEq = findEq(0);
     while (pos < text.size()) {
         std::size_t lineEnd = text.find('\n', pos);
         const bool hasBreak = lineEnd != std::string_view::npos;
@@ -84,9 +108,9 @@ void readQuotedPrintable(std::string_view text, Out& out)
         if (softBreak)
             --contentEnd;
         for (std::size_t i = pos; i < contentEnd;) {
-            const void* found = std::memchr(text.data() + i, '=', contentEnd - i);
-            const std::size_t eq = found == nullptr ? contentEnd
-                                                    : static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
+            if (nextEq < i)
+                nextEq = findEq(i);
+            const std::size_t eq = std::min(nextEq, contentEnd);
             out.append(text.data() + i, eq - i);
             if (eq == contentEnd)
                 break;
@@ -110,7 +134,8 @@ void readQuotedPrintable(std::string_view text, Out& out)
 
 KNMimeBodyDecoder::Encoding KNMimeBodyDecoder::encodingByName(std::string_view name)
 {
-    const KNCString n = squeezedName(name);
+    const KNCString squeezed = squeezedName(name);
+    const std::string_view n = squeezed; // compared by length first
     if (n.empty() || n == "7bit" || n == "8bit" || n == "binary" || n == "7bits" || n == "8bits")
         return Encoding::Identity;
     if (n == "quotedprintable" || n == "qp")
@@ -239,10 +264,23 @@ std::size_t KNMimeBodyDecoder::decodedSize(std::string_view body, std::string_vi
     case Encoding::Base64: {
         // As decodeBase64 reads: the alphabet up to the first "=", three bytes a group of four,
         // one or two for a final group of two or three characters.
-        const std::size_t pad = body.find('=');
+        const std::string_view data = body.substr(0, body.find('='));
+        const auto* p = reinterpret_cast<const unsigned char*>(data.data());
         std::size_t characters = 0;
-        for (const char c : body.substr(0, pad))
-            characters += base64.values[static_cast<unsigned char>(c)] < 64;
+        std::size_t i = 0;
+        for (; i + 8 <= data.size(); i += 8) {
+            // Eight bytes at a time: a line of base64 is mostly words of the alphabet alone.
+            std::uint64_t word;
+            std::memcpy(&word, p + i, sizeof word);
+            if (isBase64Word(word)) {
+                characters += 8;
+                continue;
+            }
+            for (std::size_t k = i; k < i + 8; ++k)
+                characters += base64.values[p[k]] < 64;
+        }
+        for (; i < data.size(); ++i)
+            characters += base64.values[p[i]] < 64;
         const std::size_t rest = characters % 4;
         return characters / 4 * 3 + (rest > 1 ? rest - 1 : 0);
     }

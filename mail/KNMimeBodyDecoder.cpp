@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -134,6 +135,14 @@ void readQuotedPrintable(std::string_view text, Out& out)
 
 KNMimeBodyDecoder::Encoding KNMimeBodyDecoder::encodingByName(std::string_view name)
 {
+    // The usual spellings as they stand, without squeezing the name first.
+    static constexpr std::pair<std::string_view, Encoding> usual[] = {
+        {"7bit", Encoding::Identity}, {"8bit", Encoding::Identity}, {"base64", Encoding::Base64},
+        {"quoted-printable", Encoding::QuotedPrintable}};
+    for (const auto& [spelling, encoding] : usual) {
+        if (name.size() == spelling.size() && knEqualsIgnoreCase(name, spelling))
+            return encoding;
+    }
     const KNCString squeezed = squeezedName(name);
     const std::string_view n = squeezed; // compared by length first
     if (n.empty() || n == "7bit" || n == "8bit" || n == "binary" || n == "7bits" || n == "8bits")

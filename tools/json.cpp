@@ -6,12 +6,18 @@
 
 namespace {
 
-// Whether a byte stands in a JSON string as it is: printable ASCII other than the quote and
+// Bytes that stand in a JSON string as they are: printable ASCII other than the quote and
 // the backslash. Bytes from 0x80 on are part of UTF-8 sequences, checked separately.
-bool isPlainJsonByte(unsigned char byte)
-{
-    return byte >= 0x20 && byte < 0x7f && byte != '"' && byte != '\\';
-}
+struct PlainBytes {
+    bool plain[256] = {};
+    constexpr PlainBytes()
+    {
+        for (unsigned byte = 0x20; byte < 0x7f; ++byte)
+            plain[byte] = byte != '"' && byte != '\\';
+    }
+};
+
+constexpr PlainBytes plainBytes;
 
 } // namespace
 
@@ -49,11 +55,13 @@ void JsonText::appendEscaped(std::string_view text)
 void JsonText::string(std::string_view text)
 {
     // Most strings the tool writes are plain ASCII: they go out in one piece, unchecked.
-    char* p = room(text.size() + 2);
-    *p++ = '"';
+    const auto* bytes = reinterpret_cast<const unsigned char*>(text.data());
     std::size_t plain = 0;
-    for (; plain < text.size() && isPlainJsonByte(static_cast<unsigned char>(text[plain])); ++plain)
-        *p++ = text[plain];
+    while (plain < text.size() && plainBytes.plain[bytes[plain]])
+        ++plain;
+    char* p = room(plain + 2);
+    *p = '"';
+    std::memcpy(p + 1, text.data(), plain);
     size_ += plain + 1;
     text.remove_prefix(plain);
     if (text.empty()) {

@@ -48,7 +48,7 @@ KNCString decodedParameters(const KNCString& value)
 // The first header with each of `labels`, found in one pass over the part's headers (the
 // tool reads several headers of every part).
 template <std::size_t N>
-std::array<std::optional<KNMimeHeader>, N> firstHeaders(const KNMimePart& part, const std::array<const char*, N>& labels)
+std::array<std::optional<KNMimeHeader>, N> firstHeaders(const KNMimePart& part, const std::array<std::string_view, N>& labels)
 {
     std::array<std::optional<KNMimeHeader>, N> headers;
     std::size_t left = N;
@@ -57,7 +57,7 @@ std::array<std::optional<KNMimeHeader>, N> firstHeaders(const KNMimePart& part, 
         KNMimeHeader header = part.getHeader(i);
         const KNCString label = header.getLabel();
         for (std::size_t k = 0; k < N; ++k) {
-            if (!headers[k] && knEqualsIgnoreCase(label, labels[k])) {
+            if (!headers[k] && label.size() == labels[k].size() && knEqualsIgnoreCase(label, labels[k])) {
                 headers[k] = std::move(header);
                 --left;
                 break;
@@ -68,7 +68,7 @@ std::array<std::optional<KNMimeHeader>, N> firstHeaders(const KNMimePart& part, 
 }
 
 // The unfolded value of `header` (the first of the part's headers with `label`).
-std::optional<KNCString> headerValue(const KNMimePart& part, const KNMimeHeader& header, const char* label)
+std::optional<KNCString> headerValue(const KNMimePart& part, const KNMimeHeader& header, std::string_view label)
 {
     try { // the value as it prints, before folding: no fold to make and undo
         return header.body()->getValueAsString();
@@ -79,7 +79,7 @@ std::optional<KNCString> headerValue(const KNMimePart& part, const KNMimeHeader&
 
 // The unfolded values of the first header with each of `labels`.
 template <std::size_t N>
-std::array<std::optional<KNCString>, N> headerValues(const KNMimePart& part, const std::array<const char*, N>& labels)
+std::array<std::optional<KNCString>, N> headerValues(const KNMimePart& part, const std::array<std::string_view, N>& labels)
 {
     const auto headers = firstHeaders(part, labels);
     std::array<std::optional<KNCString>, N> values;
@@ -172,7 +172,7 @@ bool readParsedParameters(const KNMimeHeaderImp* header, const std::array<std::s
 }
 
 // The leading value and the parameters `names` of the header; a second name may be empty.
-ParameterValues parameterValues(const KNMimePart& part, const std::optional<KNMimeHeader>& header, const char* label,
+ParameterValues parameterValues(const KNMimePart& part, const std::optional<KNMimeHeader>& header, std::string_view label,
                                 const std::array<std::string_view, 2>& names)
 {
     ParameterValues values;
@@ -205,7 +205,7 @@ const char* const SummaryHeaders[4] = {"From", "To", "Date", "Subject"};
 
 std::array<std::optional<KNCString>, 4> summaryHeaders(const KNMimePart& message)
 {
-    static const std::array<const char*, 4> labels = {SummaryHeaders[0], SummaryHeaders[1], SummaryHeaders[2], SummaryHeaders[3]};
+    static const std::array<std::string_view, 4> labels = {SummaryHeaders[0], SummaryHeaders[1], SummaryHeaders[2], SummaryHeaders[3]};
     std::array<std::optional<KNCString>, 4> values = headerValues(message, labels);
     for (std::optional<KNCString>& value : values) {
         if (value)
@@ -220,7 +220,7 @@ std::array<std::optional<KNCString>, 4> summaryHeaders(const KNMimePart& message
 PartSummary summarize(const KNMimePart& part, bool withSize)
 {
     PartSummary summary;
-    static const std::array<const char*, 3> labels = {"Content-Type", "Content-Disposition", "Content-Transfer-Encoding"};
+    static const std::array<std::string_view, 3> labels = {"Content-Type", "Content-Disposition", "Content-Transfer-Encoding"};
     const auto headers = firstHeaders(part, labels);
     ParameterValues type = parameterValues(part, headers[0], labels[0], {"charset", "name"});
     summary.type = isMediaType(type.value) ? std::move(type.value) : KNCString("text/plain");

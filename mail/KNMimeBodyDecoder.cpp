@@ -294,6 +294,21 @@ std::size_t KNMimeBodyDecoder::decodedSize(std::string_view body, std::string_vi
         return characters / 4 * 3 + (rest > 1 ? rest - 1 : 0);
     }
     case Encoding::QuotedPrintable: {
+        if (body.find('=') == std::string_view::npos) {
+            // No escape and no soft break: decoding only drops the blanks before line ends.
+            std::size_t size = body.size();
+            for (std::size_t pos = 0;;) {
+                const std::size_t lineEnd = body.find('\n', pos);
+                std::size_t end = lineEnd == std::string_view::npos ? body.size() : lineEnd;
+                if (lineEnd != std::string_view::npos && end > pos && body[end - 1] == '\r')
+                    --end;
+                for (; end > pos && isBlank(body[end - 1]); --end)
+                    --size;
+                if (lineEnd == std::string_view::npos)
+                    return size;
+                pos = lineEnd + 1;
+            }
+        }
         ByteCount count;
         readQuotedPrintable(body, count);
         return count.size;

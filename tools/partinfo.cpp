@@ -92,7 +92,7 @@ std::array<std::optional<KNCString>, N> headerValues(const KNMimePart& part, con
 
 // A header value for display in UTF-8. Most values are plain ASCII without encoded words and
 // need no decoding at all.
-KNCString decodedValue(const KNCString& value)
+KNCString decodedValue(KNCString value)
 {
     const bool plain = std::all_of(value.begin(), value.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
     if (plain && value.find("=?") == KNCString::npos)
@@ -209,7 +209,7 @@ std::array<std::optional<KNCString>, 4> summaryHeaders(const KNMimePart& message
     std::array<std::optional<KNCString>, 4> values = headerValues(message, labels);
     for (std::optional<KNCString>& value : values) {
         if (value)
-            value = decodedValue(*value);
+            value = decodedValue(std::move(*value));
     }
     return values;
 }

@@ -140,7 +140,7 @@ KNMimeBodyDecoder::Encoding KNMimeBodyDecoder::encodingByName(std::string_view n
         {"7bit", Encoding::Identity}, {"8bit", Encoding::Identity}, {"base64", Encoding::Base64},
         {"quoted-printable", Encoding::QuotedPrintable}};
     for (const auto& [spelling, encoding] : usual) {
-        if (name.size() == spelling.size() && knEqualsIgnoreCase(name, spelling))
+        if (name.size() == spelling.size() && (name == spelling || knEqualsIgnoreCase(name, spelling)))
             return encoding;
     }
     const KNCString squeezed = squeezedName(name);

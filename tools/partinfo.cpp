@@ -12,6 +12,13 @@
 
 namespace {
 
+// Whether two names are equal ignoring case; most are written alike, which one comparison of
+// the bytes settles.
+bool sameName(std::string_view written, std::string_view name)
+{
+    return written.size() == name.size() && (written == name || knEqualsIgnoreCase(written, name));
+}
+
 KNCString lowerCase(KNCString text)
 {
     std::transform(text.begin(), text.end(), text.begin(), knToLowerAscii);
@@ -57,7 +64,7 @@ std::array<std::optional<KNMimeHeader>, N> firstHeaders(const KNMimePart& part, 
         KNMimeHeader header = part.getHeader(i);
         const KNCString label = header.getLabel();
         for (std::size_t k = 0; k < N; ++k) {
-            if (!headers[k] && label.size() == labels[k].size() && knEqualsIgnoreCase(label, labels[k])) {
+            if (!headers[k] && sameName(label, labels[k])) {
                 headers[k] = std::move(header);
                 --left;
                 break;
@@ -108,10 +115,6 @@ struct ParameterValues {
     std::array<std::optional<KNCString>, 2> parameters;
 };
 
-bool equalsName(std::string_view written, std::string_view name)
-{
-    return written.size() == name.size() && knEqualsIgnoreCase(written, name);
-}
 
 // A parameter value as KNMimeExtendedParameters::get gives a plain one (not RFC 2231): line
 // breaks, which printing the header and reading it again drop, left out; encoded words and
@@ -164,7 +167,7 @@ bool readParsedParameters(const KNMimeHeaderImp* header, const std::array<std::s
             if (written.size() > name.size() && written[name.size()] == '*' &&
                 knEqualsIgnoreCase(std::string_view(written).substr(0, name.size()), name))
                 return false;
-            if (!out.parameters[k] && equalsName(written, name))
+            if (!out.parameters[k] && sameName(written, name))
                 out.parameters[k] = decodedParameter(parameter.getValue());
         }
     }

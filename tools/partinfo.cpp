@@ -121,11 +121,10 @@ struct ParameterValues {
 // 8-bit bytes decoded. Printable ASCII without an encoded word is itself.
 KNCString decodedParameter(KNCString value)
 {
-    if (value.find_first_of("\r\n") != KNCString::npos)
-        value.erase(std::remove_if(value.begin(), value.end(), [](char c) { return c == '\r' || c == '\n'; }), value.end());
     const bool plain = std::all_of(value.begin(), value.end(), [](char c) { return c >= 0x20 && c < 0x7f; });
     if (plain && value.find("=?") == KNCString::npos)
         return value;
+    value.erase(std::remove_if(value.begin(), value.end(), [](char c) { return c == '\r' || c == '\n'; }), value.end());
     return KNMimeHeaderText::decode(value);
 }
 
@@ -144,7 +143,11 @@ bool readParsedParameters(const KNMimeHeaderImp* header, const std::array<std::s
         const KNMimeContentTypeImp& type = *contentType->body();
         if (!KNMimeUtils::isToken(type.getMediaType()) || !KNMimeUtils::isToken(type.getSubType()))
             return false;
-        out.value = lowerCase(type.getMediaType() + '/' + type.getSubType());
+        out.value.reserve(type.getMediaType().size() + 1 + type.getSubType().size());
+        out.value += type.getMediaType();
+        out.value += '/';
+        out.value += type.getSubType();
+        out.value = lowerCase(std::move(out.value));
         list = &type.parameterList();
     } else if (const auto* dispositionHeader = dynamic_cast<const KNMimeContentDispositionHeaderImp*>(header)) {
         disposition = dispositionHeader->getContentDisposition();

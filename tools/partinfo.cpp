@@ -115,7 +115,6 @@ struct ParameterValues {
     std::array<std::optional<KNCString>, 2> parameters;
 };
 
-
 // A parameter value as KNMimeExtendedParameters::get gives a plain one (not RFC 2231): line
 // breaks, which printing the header and reading it again drop, left out; encoded words and
 // 8-bit bytes decoded. Printable ASCII without an encoded word is itself.

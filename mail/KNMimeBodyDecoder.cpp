@@ -6,8 +6,10 @@
 #include <mail/internal/KNMimeMailScan.h>
 #include <mime/KNMimePart.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -33,6 +35,22 @@ struct Base64Table {
 
 constexpr Base64Table base64;
 
+// Whether all eight bytes of `word` are base64 characters, tested on the word at once: for
+// bytes below 0x80, adding 0x80 - lo to each sets its top bit exactly when it is at least lo,
+// with no carry into the next byte.
+bool isBase64Word(std::uint64_t word)
+{
+    constexpr std::uint64_t ones = 0x0101010101010101u;
+    constexpr std::uint64_t tops = 0x8080808080808080u;
+    if (word & tops)
+        return false;
+    auto atLeast = [](std::uint64_t w, unsigned lo) { return w + (0x80 - lo) * ones; };
+    auto between = [&](std::uint64_t w, unsigned lo, unsigned hi) { return atLeast(w, lo) & ~atLeast(w, hi + 1); };
+    const std::uint64_t letters = between(word | 0x20 * ones, 'a', 'z');              // A-Z and a-z
+    const std::uint64_t signs = between(word, '+', '9') & ~between(word, ',', '.'); // + / 0-9
+    return ((letters | signs) & tops) == tops;
+}
+
 // The name with comments, quotes, blanks, '-' and '_' removed and letters lower-cased.
 KNCString squeezedName(std::string_view name)
 {
@@ -52,11 +70,81 @@ KNCString squeezedName(std::string_view name)
     return out;
 }
 
+// Counts the bytes a decoder would write, for a decoded size without the decoded copy.
+struct ByteCount {
+    std::size_t size = 0;
+    void append(const char*, std::size_t n) { size += n; }
+    ByteCount& operator+=(char)
+    {
+        ++size;
+        return *this;
+    }
+};
+
+// Decodes quoted-printable `text` into `out`, which takes runs of bytes (append) and single
+// bytes (+=): a string for the decoded bytes, or a count of them.
+template <class Out>
+void readQuotedPrintable(std::string_view text, Out& out)
+{
+    // The next '=' (or the end): searched in the rest of the text, not line by line, so that
+    // a text with few escapes costs one search for each line end and few more.
+    auto findEq = [text](std::size_t from) {
+        const void* found = std::memchr(text.data() + from, '=', text.size() - from);
+        return found == nullptr ? text.size() : static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
+    };
+    std::size_t pos = 0;
+    std::size_t nextEq = findEq(0);
+    while (pos < text.size()) {
+        std::size_t lineEnd = text.find('\n', pos);
+        const bool hasBreak = lineEnd != std::string_view::npos;
+        if (!hasBreak)
+            lineEnd = text.size();
+        std::size_t contentEnd = lineEnd;
+        const bool crlf = hasBreak && contentEnd > pos && text[contentEnd - 1] == '\r';
+        if (crlf)
+            --contentEnd;
+        while (contentEnd > pos && isBlank(text[contentEnd - 1]))
+            --contentEnd; // blanks at a line end were added in transport
+        const bool softBreak = contentEnd > pos && text[contentEnd - 1] == '=';
+        if (softBreak)
+            --contentEnd;
+        for (std::size_t i = pos; i < contentEnd;) {
+            if (nextEq < i)
+                nextEq = findEq(i);
+            const std::size_t eq = std::min(nextEq, contentEnd);
+            out.append(text.data() + i, eq - i);
+            if (eq == contentEnd)
+                break;
+            const int hi = contentEnd - eq >= 3 ? knHexDigitValue(text[eq + 1]) : -1;
+            const int lo = contentEnd - eq >= 3 ? knHexDigitValue(text[eq + 2]) : -1;
+            if (hi >= 0 && lo >= 0) {
+                out += static_cast<char>(hi << 4 | lo);
+                i = eq + 3;
+            } else {
+                out += '='; // an invalid escape stays as it stands
+                i = eq + 1;
+            }
+        }
+        if (hasBreak && !softBreak)
+            out.append(crlf ? "\r\n" : "\n", crlf ? 2 : 1);
+        pos = hasBreak ? lineEnd + 1 : text.size();
+    }
+}
+
 } // namespace
 
 KNMimeBodyDecoder::Encoding KNMimeBodyDecoder::encodingByName(std::string_view name)
 {
-    const KNCString n = squeezedName(name);
+    // The usual spellings as they stand, without squeezing the name first.
+    static constexpr std::pair<std::string_view, Encoding> usual[] = {
+        {"7bit", Encoding::Identity}, {"8bit", Encoding::Identity}, {"base64", Encoding::Base64},
+        {"quoted-printable", Encoding::QuotedPrintable}};
+    for (const auto& [spelling, encoding] : usual) {
+        if (name.size() == spelling.size() && (name == spelling || knEqualsIgnoreCase(name, spelling)))
+            return encoding;
+    }
+    const KNCString squeezed = squeezedName(name);
+    const std::string_view n = squeezed; // compared by length first
     if (n.empty() || n == "7bit" || n == "8bit" || n == "binary" || n == "7bits" || n == "8bits")
         return Encoding::Identity;
     if (n == "quotedprintable" || n == "qp")
@@ -126,42 +214,7 @@ KNCString KNMimeBodyDecoder::decodeQuotedPrintable(std::string_view text)
 {
     KNCString out;
     out.reserve(text.size());
-    std::size_t pos = 0;
-    while (pos < text.size()) {
-        std::size_t lineEnd = text.find('\n', pos);
-        const bool hasBreak = lineEnd != std::string_view::npos;
-        if (!hasBreak)
-            lineEnd = text.size();
-        std::size_t contentEnd = lineEnd;
-        const bool crlf = hasBreak && contentEnd > pos && text[contentEnd - 1] == '\r';
-        if (crlf)
-            --contentEnd;
-        while (contentEnd > pos && isBlank(text[contentEnd - 1]))
-            --contentEnd; // blanks at a line end were added in transport
-        const bool softBreak = contentEnd > pos && text[contentEnd - 1] == '=';
-        if (softBreak)
-            --contentEnd;
-        for (std::size_t i = pos; i < contentEnd;) {
-            const void* found = std::memchr(text.data() + i, '=', contentEnd - i);
-            const std::size_t eq = found == nullptr ? contentEnd
-                                                    : static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
-            out.append(text.data() + i, eq - i);
-            if (eq == contentEnd)
-                break;
-            const int hi = contentEnd - eq >= 3 ? knHexDigitValue(text[eq + 1]) : -1;
-            const int lo = contentEnd - eq >= 3 ? knHexDigitValue(text[eq + 2]) : -1;
-            if (hi >= 0 && lo >= 0) {
-                out += static_cast<char>(hi << 4 | lo);
-                i = eq + 3;
-            } else {
-                out += '='; // an invalid escape stays as it stands
-                i = eq + 1;
-            }
-        }
-        if (hasBreak && !softBreak)
-            out.append(crlf ? "\r\n" : "\n");
-        pos = hasBreak ? lineEnd + 1 : text.size();
-    }
+    readQuotedPrintable(text, out);
     return out;
 }
 
@@ -220,12 +273,45 @@ std::size_t KNMimeBodyDecoder::decodedSize(std::string_view body, std::string_vi
     case Encoding::Base64: {
         // As decodeBase64 reads: the alphabet up to the first "=", three bytes a group of four,
         // one or two for a final group of two or three characters.
-        const std::size_t pad = body.find('=');
+        const std::string_view data = body.substr(0, body.find('='));
+        const auto* p = reinterpret_cast<const unsigned char*>(data.data());
         std::size_t characters = 0;
-        for (const char c : body.substr(0, pad))
-            characters += base64.values[static_cast<unsigned char>(c)] < 64;
+        std::size_t i = 0;
+        for (; i + 8 <= data.size(); i += 8) {
+            // Eight bytes at a time: a line of base64 is mostly words of the alphabet alone.
+            std::uint64_t word;
+            std::memcpy(&word, p + i, sizeof word);
+            if (isBase64Word(word)) {
+                characters += 8;
+                continue;
+            }
+            for (std::size_t k = i; k < i + 8; ++k)
+                characters += base64.values[p[k]] < 64;
+        }
+        for (; i < data.size(); ++i)
+            characters += base64.values[p[i]] < 64;
         const std::size_t rest = characters % 4;
         return characters / 4 * 3 + (rest > 1 ? rest - 1 : 0);
+    }
+    case Encoding::QuotedPrintable: {
+        if (body.find('=') == std::string_view::npos) {
+            // No escape and no soft break: decoding only drops the blanks before line ends.
+            std::size_t size = body.size();
+            for (std::size_t pos = 0;;) {
+                const std::size_t lineEnd = body.find('\n', pos);
+                std::size_t end = lineEnd == std::string_view::npos ? body.size() : lineEnd;
+                if (lineEnd != std::string_view::npos && end > pos && body[end - 1] == '\r')
+                    --end;
+                for (; end > pos && isBlank(body[end - 1]); --end)
+                    --size;
+                if (lineEnd == std::string_view::npos)
+                    return size;
+                pos = lineEnd + 1;
+            }
+        }
+        ByteCount count;
+        readQuotedPrintable(body, count);
+        return count.size;
     }
     default:
         return decode(body, encodingName).data.size();

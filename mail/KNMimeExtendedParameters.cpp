@@ -220,7 +220,11 @@ std::optional<KNCString> KNMimeExtendedParameters::get(std::string_view name) co
     } else if (whole != nullptr) {
         appendPercentDecoded(bytes, splitCharset(whole->second, charset));
     } else if (plain != nullptr) {
-        return KNMimeHeaderText::decode(plain->second);
+        // Printable ASCII without an encoded word decodes to itself.
+        const std::string_view value = plain->second;
+        if (std::all_of(value.begin(), value.end(), isPlainValueChar) && value.find("=?") == std::string_view::npos)
+            return plain->second;
+        return KNMimeHeaderText::decode(value);
     } else {
         return std::nullopt;
     }

@@ -22,7 +22,9 @@ public:
     struct Entity {
         KNCString path;     ///< "" for the message, "1", "1.2", ...; an attached message of leaf "2" is "2.1"
         KNMimePart part;    ///< shares its body with the tree
-        std::size_t offset; ///< byte offset in the input where the entity's text starts
+        /// Byte offset in the input where the entity's text starts; for an entity of a message
+        /// attached in base64 or quoted-printable, where that message's encoded body starts.
+        std::size_t offset;
     };
 
     /// An empty message (no headers, empty body), no entities beyond it, no defects.

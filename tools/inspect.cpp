@@ -102,79 +102,87 @@ void printTree(const Mail& mail, bool withDefects)
     }
 }
 
-void appendNode(KNCString& out, const KNCString& path, const PartSummary& summary)
+// A reader path as the user writes it, without a copy.
+std::string_view shownPathView(const KNCString& readerPath)
 {
-    out += '{';
-    appendJsonKey(out, "path", true);
-    appendJsonString(out, shownPath(path));
-    appendJsonKey(out, "type");
-    appendJsonString(out, summary.type);
-    const std::pair<const char*, const std::optional<KNCString>*> strings[] = {
-        {"charset", &summary.charset}, {"encoding", &summary.encoding},
-        {"disposition", &summary.disposition}, {"filename", &summary.filename}};
-    for (const auto& [key, value] : strings) {
-        appendJsonKey(out, key);
-        appendJsonStringOrNull(out, *value);
-    }
-    appendJsonKey(out, "size");
-    appendJsonNumber(out, summary.size);
-    appendJsonKey(out, "parts");
-    out += '[';
+    return readerPath.empty() ? std::string_view(".") : std::string_view(readerPath);
+}
+
+void appendNode(JsonText& out, const KNCString& path, const PartSummary& summary)
+{
+    out.raw('{');
+    out.key("path", true);
+    out.string(shownPathView(path));
+    out.key("type");
+    out.string(summary.type);
+    out.key("charset");
+    out.stringOrNull(summary.charset);
+    out.key("encoding");
+    out.stringOrNull(summary.encoding);
+    out.key("disposition");
+    out.stringOrNull(summary.disposition);
+    out.key("filename");
+    out.stringOrNull(summary.filename);
+    out.key("size");
+    out.number(summary.size);
+    out.key("parts");
+    out.raw('[');
 }
 
 // One message as one line of JSON, built in `out` (kept from message to message, so that
-// its memory is reused). The entities come depth first, so the open nodes form a stack: a
-// node closes when the next entity is no deeper than it.
-void printJson(const Mail& mail, KNCString& out)
+// its memory is reused) and written in one piece. The entities come depth first, so the open
+// nodes form a stack: a node closes when the next entity is no deeper than it.
+void printJson(const Mail& mail, JsonText& out)
 {
     out.clear();
-    out += '{';
-    appendJsonKey(out, "defects", true);
-    out += '[';
+    out.raw('{');
+    out.key("defects", true);
+    out.raw('[');
     bool first = true;
     for (const KNMimeDefect& defect : mail.result.getDefects()) {
         if (!first)
-            out += ',';
+            out.raw(',');
         first = false;
-        out += '{';
-        appendJsonKey(out, "kind", true);
-        appendJsonString(out, defect.kindName());
-        appendJsonKey(out, "path");
-        appendJsonString(out, shownPath(defect.path));
-        appendJsonKey(out, "offset");
-        appendJsonNumber(out, defect.offset);
-        appendJsonKey(out, "text");
-        appendJsonString(out, defect.text);
-        out += '}';
+        out.raw('{');
+        out.key("kind", true);
+        out.string(defect.kindName());
+        out.key("path");
+        out.string(shownPathView(defect.path));
+        out.key("offset");
+        out.number(defect.offset);
+        out.key("text");
+        out.string(defect.text);
+        out.raw('}');
     }
-    out += ']';
+    out.raw(']');
     // The summary holds From, To, Date, Subject; the keys come in the documented order.
     const auto summary = summaryHeaders(mail.result.getMessage());
     const std::pair<const char*, std::size_t> keys[] = {{"from", 0}, {"to", 1}, {"subject", 3}, {"date", 2}};
     for (const auto& [key, index] : keys) {
-        appendJsonKey(out, key);
-        appendJsonStringOrNull(out, summary[index]);
+        out.key(key);
+        out.stringOrNull(summary[index]);
     }
-    appendJsonKey(out, "root");
+    out.key("root");
 
     std::size_t open = 0;      // nodes written and not yet closed
     bool hasChildren = false;  // whether the innermost open node has a child yet
     for (const KNMimeReadResult::Entity& entity : mail.result.getEntities()) {
         const std::size_t depth = depthOf(entity.path);
         for (; open > depth; --open) {
-            out += "]}";
+            out.raw("]}");
             hasChildren = true;
         }
         if (open > 0 && hasChildren)
-            out += ',';
+            out.raw(',');
         appendNode(out, entity.path, summarize(entity.part));
         ++open;
         hasChildren = false;
     }
     for (; open > 0; --open)
-        out += "]}";
-    out += "}\n";
-    std::cout.write(out.data(), static_cast<std::streamsize>(out.size()));
+        out.raw("]}");
+    out.raw("}\n");
+    const std::string_view text = out.text();
+    std::cout.write(text.data(), static_cast<std::streamsize>(text.size()));
 }
 
 } // namespace
@@ -182,7 +190,7 @@ void printJson(const Mail& mail, KNCString& out)
 int runTree(const Invocation& invocation)
 {
     const KNCString file = invocation.operands.empty() ? KNCString() : invocation.operands[0];
-    KNCString json;
+    JsonText json;
     forEachMail(file, [&](const Mail& mail) {
         if (invocation.has("--json"))
             printJson(mail, json);
@@ -219,13 +227,13 @@ int runShow(const Invocation& invocation)
 
 namespace {
 
-// The header block of the entity as it stands in the input: from its first byte up to the
-// empty line that ends it (or the end of the input).
-std::string_view rawHeaderBlock(const Mail& mail, const KNMimeReadResult::Entity& entity)
+// The header block that starts at `offset` of `text`: up to the empty line that ends it (or
+// the end of the text).
+std::string_view headerBlockAt(std::string_view text, std::size_t offset)
 {
-    if (entity.offset >= mail.text.size())
+    if (offset >= text.size())
         return {};
-    const std::string_view rest = mail.text.substr(entity.offset);
+    const std::string_view rest = text.substr(offset);
     for (std::size_t start = 0; start < rest.size();) {
         std::size_t end = rest.find('\n', start);
         end = end == std::string_view::npos ? rest.size() : end + 1;
@@ -237,6 +245,47 @@ std::string_view rawHeaderBlock(const Mail& mail, const KNMimeReadResult::Entity
     return rest;
 }
 
+// Whether the reader undid the transfer encoding of `leaf` to read the message attached in
+// it (base64, quoted-printable, uuencode), as it names the encoding.
+bool isDecodedForReading(const KNMimePart& leaf)
+{
+    const std::size_t i = leaf.findHeader("Content-Transfer-Encoding", 0);
+    if (leaf.isMultipart() || i == KNCString::npos)
+        return false;
+    KNCString encoding;
+    try {
+        encoding = knToLower(KNMimeUtils::cleanToken(leaf.getHeader(i).body()->getValueAsString(), true));
+    } catch (const KNxmsg&) {
+        return false;
+    }
+    const KNMimeBodyDecoder::Encoding kind = KNMimeBodyDecoder::encodingByName(encoding);
+    return kind != KNMimeBodyDecoder::Encoding::Identity && kind != KNMimeBodyDecoder::Encoding::Unknown;
+}
+
+// The header block of the entity at reader path `path` of `result`, read from `text`, as it
+// stands in the text the reader read it from. An entity of a message attached in a leaf sent
+// in base64 or quoted-printable stands in that decoded message, not in `text` (the reader
+// gives it the offset of the encoded body): the leaf's body is decoded and read again, and
+// the block taken from there, which may hold another such leaf.
+KNCString rawHeaderBlock(std::string_view text, const KNMimeReadResult& result, const KNCString& path)
+{
+    // The leaves on the way, outermost first: "" holds "1", "2" holds "2.1", "2.1.3" holds "2.1.3.1".
+    for (std::size_t end = 0; end <= path.size(); end = path.find('.', end + 1)) {
+        const std::size_t attached = end == 0 ? 0 : end + 1; // where the ".1" of the message starts
+        if (path.compare(attached, 1, "1") != 0 || (attached + 1 < path.size() && path[attached + 1] != '.'))
+            continue;
+        const std::optional<KNMimeReadResult::Entity> leaf = result.findEntity(path.substr(0, end));
+        if (!leaf || !isDecodedForReading(leaf->part))
+            continue;
+        const KNCString decoded = KNMimeBodyDecoder::decode(leaf->part).data;
+        const KNMimeReadResult inner = KNMimeReader().read(decoded);
+        const KNCString innerPath = attached + 2 <= path.size() ? path.substr(attached + 2) : KNCString();
+        return rawHeaderBlock(decoded, inner, innerPath);
+    }
+    const std::optional<KNMimeReadResult::Entity> entity = result.findEntity(path);
+    return entity ? KNCString(headerBlockAt(text, entity->offset)) : KNCString();
+}
+
 } // namespace
 
 int runHeaders(const Invocation& invocation)
@@ -246,7 +295,7 @@ int runHeaders(const Invocation& invocation)
         const KNMimeReadResult::Entity entity = entityAt(mail, pathText);
         printHeading(mail);
         if (invocation.has("--raw")) {
-            const std::string_view block = rawHeaderBlock(mail, entity);
+            const KNCString block = rawHeaderBlock(mail.text, mail.result, entity.path);
             std::cout.write(block.data(), static_cast<std::streamsize>(block.size()));
             return;
         }

@@ -49,7 +49,8 @@ const Command Commands[] = {
      1, 2, "", "", runShow},
     {"headers", "FILE [PATH] [--decode | --raw]", "print the headers of a part (the message by default)",
      "  --decode   UTF-8 for encoded words, RFC 2231 parameters and charsets\n"
-     "  --raw      the header lines exactly as they stand in the input\n",
+     "  --raw      the header lines exactly as they stand in the input (in the decoded\n"
+     "             text for a message attached in base64 or quoted-printable)\n",
      1, 2, "--decode --raw", "", runHeaders},
     {"extract", "FILE [PATH...] [-d DIR] [-o OUT] [--raw]", "write attachments or parts to files",
      "Without PATH, every attachment (a part with a file name, or not text) goes into DIR\n"

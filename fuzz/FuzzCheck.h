@@ -126,6 +126,21 @@ inline bool nulInTokens(const KNMimeContentDisposition& disposition)
 // controls and DEL are refused), which reading a label takes as quoting and comments.
 constexpr const char* quotingInLabel = "documented: a label may print quotes, parentheses or backslashes, which reading removes";
 
+// A parameter value may hold a CR or LF read from a quoted pair. Most such values do not
+// print (INVALID_VALUE), but a CR LF before a blank is a fold and prints: reading it again
+// unfolds it away.
+constexpr const char* lineBreakInValue = "documented: a CR or LF read from a quoted pair does not read back";
+
+template <class Parameters>
+bool lineBreakInValues(const Parameters& list)
+{
+    for (std::size_t i = 0; i < list.getParameterCount(); ++i) {
+        if (list.getParameter(i).getValue().find_first_of("\r\n") != KNCString::npos)
+            return true;
+    }
+    return false;
+}
+
 // Why the header is outside the fixed point, or null.
 inline const char* outsideFixedPoint(const KNMimeHeader& header)
 {
@@ -134,12 +149,20 @@ inline const char* outsideFixedPoint(const KNMimeHeader& header)
         return nulInToken;
     if (label.find_first_of("\"()\\") != KNCString::npos)
         return quotingInLabel;
-    if (dynamic_cast<const KNMimeContentTypeHeaderImp*>(header.body()) != nullptr &&
-        nulInTokens(KNMimeContentTypeHeader(header).getContentType()))
-        return nulInToken;
-    if (dynamic_cast<const KNMimeContentDispositionHeaderImp*>(header.body()) != nullptr &&
-        nulInTokens(KNMimeContentDispositionHeader(header).getContentDisposition()))
-        return nulInToken;
+    if (dynamic_cast<const KNMimeContentTypeHeaderImp*>(header.body()) != nullptr) {
+        const KNMimeContentType type = KNMimeContentTypeHeader(header).getContentType();
+        if (nulInTokens(type))
+            return nulInToken;
+        if (lineBreakInValues(type))
+            return lineBreakInValue;
+    }
+    if (dynamic_cast<const KNMimeContentDispositionHeaderImp*>(header.body()) != nullptr) {
+        const KNMimeContentDisposition disposition = KNMimeContentDispositionHeader(header).getContentDisposition();
+        if (nulInTokens(disposition))
+            return nulInToken;
+        if (lineBreakInValues(disposition))
+            return lineBreakInValue;
+    }
     return nullptr;
 }
 

@@ -227,6 +227,11 @@ std::optional<KNMimeDate> KNMimeDate::parse(std::string_view text)
         return std::nullopt;
     const std::int64_t epoch = daysFromCivil(year, static_cast<unsigned>(month), static_cast<unsigned>(day)) * 86400
         + seconds - static_cast<std::int64_t>(offset) * 60;
+    // The clock's ticks are finer than seconds (nanoseconds in the usual libraries, some 292
+    // years either side of 1970): a year past them would overflow the conversion.
+    constexpr std::int64_t limit = std::chrono::duration_cast<std::chrono::seconds>(TimePoint::duration::max()).count();
+    if (epoch > limit || epoch < -limit)
+        return std::nullopt;
     return KNMimeDate(TimePoint(std::chrono::seconds(epoch)), offset);
 }
 

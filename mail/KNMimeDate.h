@@ -27,7 +27,8 @@ public:
     /// (two-digit years: below 50 is 20xx, else 19xx; three-digit years add 1900; named zones
     /// UT, GMT, EST, EDT, CST, CDT, MST, MDT, PST, PDT; military letters and a missing zone
     /// read as +0000; missing seconds; comments, extra blanks and a missing comma). Nothing
-    /// when the text is no date or a field is out of range.
+    /// when the text is no date, a field is out of range, or the date lies beyond what a
+    /// TimePoint holds (with nanosecond ticks, before 1678 or after 2261).
     static std::optional<KNMimeDate> parse(std::string_view text);
     /// The current time at the local offset from UTC.
     static KNMimeDate now();

@@ -134,8 +134,12 @@ TEST(Date, Rfc5322AndObsoleteForms)
 
     for (const char* bad : {"", "garbage", "30 Feb 2026 10:00", "32 Jan 2026 10:00", "1 Foo 2026 10:00",
                             "1 Jan 2026 24:00", "1 Jan 2026 10:60", "1 Jan 2026 10", "1 Jan 2026 10:00 +99",
-                            "Xyz, 1 Jan 2026 10:00", "1 Jan 2026 1:2:3:4"})
+                            "Xyz, 1 Jan 2026 10:00", "1 Jan 2026 1:2:3:4",
+                            // beyond the clock's nanosecond range, whose conversion would overflow
+                            "23 Nov 2692 10:00 +0000", "1 Jan 9999 00:00 +0000", "1 Jan 1600 00:00 +0000"})
         EXPECT_FALSE(KNMimeDate::parse(bad).has_value()) << bad;
+    EXPECT_EQ(KNMimeDate::parse("31 Dec 2261 23:59:59 +0000")->asString(), "Tue, 31 Dec 2261 23:59:59 +0000");
+    EXPECT_EQ(KNMimeDate::parse("1 Jan 1678 00:00:00 +0000")->asString(), "Sat, 1 Jan 1678 00:00:00 +0000");
 }
 
 TEST(Date, WrittenDatesReadBackEqual)

@@ -332,27 +332,29 @@ struct Gmime {
         }
         ++tally.leaves;
         if (GMIME_IS_PART(object))
-            tally.bodyBytes += bodyText(GMIME_PART(object)).size();
+            tally.bodyBytes += bodyText(GMIME_PART(object));
     }
-    // The body as stored (still transfer-encoded), read out of the content stream.
-    static std::string bodyText(GMimePart* part)
+    // The body as stored (still transfer-encoded), read out of the content stream into a
+    // buffer of its length; the number of bytes read.
+    static std::size_t bodyText(GMimePart* part)
     {
         GMimeDataWrapper* content = g_mime_part_get_content(part);
         if (content == nullptr)
-            return {};
+            return 0;
         GMimeStream* stream = g_mime_data_wrapper_get_stream(content);
         g_mime_stream_reset(stream);
         const gint64 length = g_mime_stream_length(stream);
-        std::string body(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+        const std::size_t size = length > 0 ? static_cast<std::size_t>(length) : 0;
+        const std::unique_ptr<char[]> body(new char[size]);
         std::size_t done = 0;
-        while (done < body.size()) {
-            const ssize_t got = g_mime_stream_read(stream, &body[done], body.size() - done);
+        while (done < size) {
+            const ssize_t got = g_mime_stream_read(stream, body.get() + done, size - done);
             if (got <= 0)
                 break;
             done += static_cast<std::size_t>(got);
         }
-        body.resize(done);
-        return body;
+        benchmark::DoNotOptimize(body.get());
+        return done;
     }
 };
 #endif
@@ -437,10 +439,12 @@ struct Vmime {
             return;
         }
         ++tally.leaves;
-        // The body as stored (still transfer-encoded).
+        // The body as stored (still transfer-encoded), into a string reserved to its length.
+        const vmime::shared_ptr<const vmime::contentHandler> contents = body->getContents();
         std::string text;
+        text.reserve(contents->getLength());
         vmime::utility::outputStreamStringAdapter out(text);
-        body->getContents()->extractRaw(out);
+        contents->extractRaw(out);
         out.flush();
         tally.bodyBytes += text.size();
     }
@@ -448,18 +452,32 @@ struct Vmime {
 #endif
 
 // ---- the codecs, each behind the same calls ------------------------------------------------
-//   std::string encodeBase64(const std::string&), decodeBase64, encodeQuotedPrintable,
+//   Coded encodeBase64(const std::string&), decodeBase64, encodeQuotedPrintable,
 //   decodeQuotedPrintable; a library without one of them leaves it out.
+
+// A codec's result: the string it returned, or the buffer it was given to write into (sized
+// by the library and left uninitialised, as a string's reserve would leave it).
+struct Coded {
+    Coded(std::string text) : text(std::move(text)) {}
+    Coded(std::unique_ptr<char[]> buffer, std::size_t size) : buffer(std::move(buffer)), size(size) {}
+
+    std::size_t length() const { return buffer ? size : text.size(); }
+    std::string str() const { return buffer ? std::string(buffer.get(), size) : text; }
+
+    std::string text;
+    std::unique_ptr<char[]> buffer;
+    std::size_t size = 0;
+};
 
 struct KnmimeCodecs {
     static constexpr const char* name = "knmime";
-    static std::string encodeBase64(const std::string& in) { return KNMimeUtils::encodeBase64(in); }
-    static std::string decodeBase64(const std::string& in) { return KNMimeUtils::decodeBase64(in); }
-    static std::string encodeQuotedPrintable(const std::string& in)
+    static Coded encodeBase64(const std::string& in) { return KNMimeUtils::encodeBase64(in); }
+    static Coded decodeBase64(const std::string& in) { return KNMimeUtils::decodeBase64(in); }
+    static Coded encodeQuotedPrintable(const std::string& in)
     {
         return KNMimeUtils::encodeQuotedPrintable(in);
     }
-    static std::string decodeQuotedPrintable(const std::string& in)
+    static Coded decodeQuotedPrintable(const std::string& in)
     {
         return KNMimeUtils::decodeQuotedPrintable(in, false);
     }
@@ -467,8 +485,8 @@ struct KnmimeCodecs {
 
 struct KnmimeForgivingCodecs {
     static constexpr const char* name = "knmime-forgiving";
-    static std::string decodeBase64(const std::string& in) { return KNMimeBodyDecoder::decodeBase64(in); }
-    static std::string decodeQuotedPrintable(const std::string& in)
+    static Coded decodeBase64(const std::string& in) { return KNMimeBodyDecoder::decodeBase64(in); }
+    static Coded decodeQuotedPrintable(const std::string& in)
     {
         return KNMimeBodyDecoder::decodeQuotedPrintable(in);
     }
@@ -479,7 +497,7 @@ struct KnmimeForgivingCodecs {
 // g_mime_encoding_flush codes the whole input and closes the state.
 struct GmimeCodecs {
     static constexpr const char* name = "gmime";
-    static std::string code(const std::string& in, GMimeContentEncoding encoding, bool encode)
+    static Coded code(const std::string& in, GMimeContentEncoding encoding, bool encode)
     {
         initGmime();
         GMimeEncoding state;
@@ -487,18 +505,17 @@ struct GmimeCodecs {
             g_mime_encoding_init_encode(&state, encoding);
         else
             g_mime_encoding_init_decode(&state, encoding);
-        std::string out;
-        out.resize(g_mime_encoding_outlen(&state, in.size()) + 16);
-        out.resize(g_mime_encoding_flush(&state, in.data(), in.size(), &out[0]));
-        return out;
+        std::unique_ptr<char[]> out(new char[g_mime_encoding_outlen(&state, in.size()) + 16]);
+        const std::size_t size = g_mime_encoding_flush(&state, in.data(), in.size(), out.get());
+        return {std::move(out), size};
     }
-    static std::string encodeBase64(const std::string& in) { return code(in, GMIME_CONTENT_ENCODING_BASE64, true); }
-    static std::string decodeBase64(const std::string& in) { return code(in, GMIME_CONTENT_ENCODING_BASE64, false); }
-    static std::string encodeQuotedPrintable(const std::string& in)
+    static Coded encodeBase64(const std::string& in) { return code(in, GMIME_CONTENT_ENCODING_BASE64, true); }
+    static Coded decodeBase64(const std::string& in) { return code(in, GMIME_CONTENT_ENCODING_BASE64, false); }
+    static Coded encodeQuotedPrintable(const std::string& in)
     {
         return code(in, GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE, true);
     }
-    static std::string decodeQuotedPrintable(const std::string& in)
+    static Coded decodeQuotedPrintable(const std::string& in)
     {
         return code(in, GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE, false);
     }
@@ -518,19 +535,19 @@ struct MimeticCodecs {
         mimetic::code(in.begin(), in.end(), codec, std::back_inserter(out));
         return out;
     }
-    static std::string encodeBase64(const std::string& in)
+    static Coded encodeBase64(const std::string& in)
     {
         return code(in, mimetic::Base64::Encoder(), in.size() / 3 * 4 + in.size() / 28 + 8);
     }
-    static std::string decodeBase64(const std::string& in)
+    static Coded decodeBase64(const std::string& in)
     {
         return code(in, mimetic::Base64::Decoder(), in.size() / 4 * 3 + 3);
     }
-    static std::string encodeQuotedPrintable(const std::string& in)
+    static Coded encodeQuotedPrintable(const std::string& in)
     {
         return code(in, mimetic::QP::Encoder(), in.size() + in.size() / 4);
     }
-    static std::string decodeQuotedPrintable(const std::string& in)
+    static Coded decodeQuotedPrintable(const std::string& in)
     {
         return code(in, mimetic::QP::Decoder(), in.size());
     }
@@ -560,19 +577,19 @@ struct VmimeCodecs {
         output.flush();
         return out;
     }
-    static std::string encodeBase64(const std::string& in)
+    static Coded encodeBase64(const std::string& in)
     {
         return code<vmime::utility::encoder::b64Encoder>(in, true);
     }
-    static std::string decodeBase64(const std::string& in)
+    static Coded decodeBase64(const std::string& in)
     {
         return code<vmime::utility::encoder::b64Encoder>(in, false);
     }
-    static std::string encodeQuotedPrintable(const std::string& in)
+    static Coded encodeQuotedPrintable(const std::string& in)
     {
         return code<vmime::utility::encoder::qpEncoder>(in, true, true);
     }
-    static std::string decodeQuotedPrintable(const std::string& in)
+    static Coded decodeQuotedPrintable(const std::string& in)
     {
         return code<vmime::utility::encoder::qpEncoder>(in, false, true);
     }
@@ -761,7 +778,7 @@ void registerMessages(const Input& input)
 
 // ---- the codec benchmarks -------------------------------------------------------------------
 
-using Codec = std::string (*)(const std::string&);
+using Codec = Coded (*)(const std::string&);
 
 struct CodecCase {
     std::string name; // the benchmark's
@@ -787,8 +804,8 @@ std::string withLineFeeds(const std::string& text)
 void codecBench(benchmark::State& state, CodecCase run)
 {
     const Verdict& found = verdict(run.name, [&run]() -> Verdict {
-        const std::string result = run.codec(*run.input);
-        const std::string back = run.decoder ? run.decoder(result) : result;
+        const std::string result = run.codec(*run.input).str();
+        const std::string back = run.decoder ? run.decoder(result).str() : result;
         if (back == *run.original)
             return {};
         if (run.text && back == withLineFeeds(*run.original))
@@ -805,9 +822,9 @@ void codecBench(benchmark::State& state, CodecCase run)
         return;
     std::size_t out = 0;
     for (auto _ : state) {
-        const std::string result = run.codec(*run.input);
-        out = result.size();
-        benchmark::DoNotOptimize(result.data());
+        const Coded result = run.codec(*run.input);
+        out = result.length();
+        benchmark::DoNotOptimize(&result);
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(run.input->size()));
     if (run.decoder)

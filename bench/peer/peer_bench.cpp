@@ -22,11 +22,12 @@
 //
 // Before timing, every library's result is checked: the entities, header fields, media type
 // bytes, leaves and body bytes of its trees against what the generator wrote, and for the
-// codecs that the bytes decoded are the bytes encoded. A library that disagrees is reported
-// as an error instead of a figure.
+// codecs that the bytes decoded are the bytes encoded (for quoted-printable text, line breaks
+// given back as LF also pass, labelled so). A library that disagrees is reported as an error
+// instead of a figure.
 //
-// Allocations: operator new is replaced in this program to count its calls while a check
-// pass runs (outside the timing). Parse and Walk carry "allocs/msg" (per message parsed) and
+// Allocations: operator new is replaced in this program to count its calls during one
+// untimed pass over the input before the timing. Parse and Walk carry "allocs/msg" (per message parsed) and
 // "allocs/field" (per header field of the input); GMime allocates through GLib's malloc,
 // which this count does not see, so its rows carry none. Print and the encoders carry
 // "out/in", output bytes over input bytes.

@@ -141,6 +141,15 @@ bool lineBreakInValues(const Parameters& list)
     return false;
 }
 
+// The boundary parameter of a part's first Content-Type, or empty.
+inline KNCString boundaryOf(const KNMimePart& part)
+{
+    const std::size_t i = part.findHeader(KNMimeContentTypeHeader::Label, 0);
+    if (i == KNCString::npos)
+        return KNCString();
+    return KNMimeContentTypeHeader(part.getHeader(i)).getContentType().getParameterValue(KNMimeMultipartType::Boundary);
+}
+
 // Why the header is outside the fixed point, or null.
 inline const char* outsideFixedPoint(const KNMimeHeader& header)
 {

@@ -24,14 +24,6 @@ using fuzzcheck::skip;
 
 const KNCString keptText = "Content-Type: multipart/mixed; boundary=\"k\"\r\n\r\npre\r\n--k\r\nX-A: 1\r\n\r\nkept\r\n--k--\r\n";
 
-KNCString boundaryOf(const KNMimePart& part)
-{
-    const std::size_t i = part.findHeader(KNMimeContentTypeHeader::Label, 0);
-    if (i == KNCString::npos)
-        return KNCString();
-    return KNMimeContentTypeHeader(part.getHeader(i)).getContentType().getParameterValue(KNMimeMultipartType::Boundary);
-}
-
 constexpr const char* prefixBoundary = "documented: a nested boundary begins with an enclosing one";
 constexpr const char* delimiterInText = "documented: a part's text holds an enclosing delimiter inside a line";
 
@@ -62,7 +54,7 @@ const char* outsideFixedPoint(const KNMimePart& root)
         }
         if (!level.part.isMultipart())
             continue;
-        const KNCString boundary = boundaryOf(level.part);
+        const KNCString boundary = fuzzcheck::boundaryOf(level.part);
         for (const KNCString& outer : level.enclosing) {
             if (boundary.compare(0, outer.size(), outer) == 0)
                 return prefixBoundary;

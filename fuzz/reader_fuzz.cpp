@@ -22,14 +22,6 @@ using fuzzcheck::skip;
 
 namespace {
 
-KNCString boundaryOf(const KNMimePart& part)
-{
-    const std::size_t i = part.findHeader(KNMimeContentTypeHeader::Label, 0);
-    if (i == KNCString::npos)
-        return KNCString();
-    return KNMimeContentTypeHeader(part.getHeader(i)).getContentType().getParameterValue(KNMimeMultipartType::Boundary);
-}
-
 // Whether a multipart without parts sits inside one with the same boundary.
 bool emptyReusingMultipart(const KNMimePart& root)
 {
@@ -44,7 +36,7 @@ bool emptyReusingMultipart(const KNMimePart& root)
         if (!level.part.isMultipart())
             continue;
         const KNMimeMultipart multipart(level.part);
-        const KNCString boundary = boundaryOf(level.part);
+        const KNCString boundary = fuzzcheck::boundaryOf(level.part);
         if (multipart.getPartCount() == 0 &&
             std::find(level.enclosing.begin(), level.enclosing.end(), boundary) != level.enclosing.end())
             return true;

@@ -51,7 +51,8 @@ KNMimeReadResult::Entity entityAt(const Mail& mail, const KNCString& userPath);
 // A reader path ("" for the message) as the user writes it ("." for the message).
 KNCString shownPath(const KNCString& readerPath);
 
-// "FILE, part 2.1: " (or "FILE: " for the message), the start of an error message.
+// The file name and the entity's path (or the file name alone for the message), which starts
+// an error message.
 KNCString where(const Mail& mail, const KNCString& readerPath);
 
 // The bundled sample message (examples/sample.eml, compiled in).

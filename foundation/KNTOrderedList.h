@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <iterator>
+#include <utility>
 #include <vector>
 
 template <class T>
@@ -66,6 +67,8 @@ public:
         out.insert(out.end(), std::make_move_iterator(items_.begin()), std::make_move_iterator(items_.end()));
         items_.clear();
     }
+    /// Replaces every item by those of `items`, taking over its storage.
+    void assign(std::vector<T>&& items) noexcept { items_ = std::move(items); }
     /// Reserves room for `n` items.
     void reserve(std::size_t n) { items_.reserve(n); }
 

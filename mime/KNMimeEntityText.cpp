@@ -6,6 +6,7 @@
 #include <mime/KNMimeContentTypeHeader.h>
 #include <mime/KNMimeContentTypeHeaderImp.h>
 #include <mime/KNMimeError.h>
+#include <mime/KNMimeHeaderImp.h>
 #include <mime/KNMimeMessages.h>
 #include <mime/KNMimeMultipartImp.h>
 #include <mime/KNMimeMultipartType.h>
@@ -28,6 +29,8 @@ constexpr std::string_view dashes = "--";
 std::vector<KNMimeHeader> parseHeaderBlock(std::string_view text, std::size_t blockEnd)
 {
     std::vector<KNMimeHeader> headers;
+    // One header per physical line at most: counting them spares the list its regrowth.
+    headers.reserve(static_cast<std::size_t>(std::count(text.begin(), text.begin() + blockEnd, '\n')) + 1);
     std::size_t start = 0;
     std::size_t p = 0;
     while (p < blockEnd) {
@@ -57,16 +60,15 @@ std::size_t parseHead(std::string_view text, std::vector<KNMimeHeader>& headers)
 bool firstContentTypeIsMultipart(const std::vector<KNMimeHeader>& headers)
 {
     const auto first = std::find_if(headers.begin(), headers.end(), [](const KNMimeHeader& header) {
-        return knEqualsIgnoreCase(header.getLabel(), KNMimeContentTypeHeader::Label);
+        return header.body()->hasLabel(KNMimeContentTypeHeader::Label);
     });
     return first != headers.end() && KNMimeEntityText::isMultipartContentType(*first);
 }
 
-KNMimePart adoptHeaders(KNMimePartImp* body, const std::vector<KNMimeHeader>& headers)
+KNMimePart adoptHeaders(KNMimePartImp* body, std::vector<KNMimeHeader>& headers)
 {
     KNMimePart part(body);
-    for (const KNMimeHeader& header : headers)
-        body->insertHeader(header);
+    body->adoptHeaders(std::move(headers));
     return part;
 }
 

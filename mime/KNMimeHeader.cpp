@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -38,10 +39,10 @@ SplitLine split(std::string_view line)
 }
 
 // An empty value keeps the default of the body class (text/plain for Content-Type).
-void readValue(KNMimeHeaderImp& body, const KNCString& value)
+void readValue(KNMimeHeaderImp& body, KNCString&& value)
 {
     if (!value.empty())
-        body.setValueFromString(value);
+        body.takeValueFromString(std::move(value));
 }
 
 } // namespace
@@ -75,19 +76,21 @@ KNCString KNMimeHeader::asString() const
 void KNMimeHeader::fromString(const KNCString& text)
 {
     checkedBody();
-    const SplitLine line = split(text);
+    SplitLine line = split(text);
     // The refusal names the label this handle had, not the parsed one.
     if (!checkLabel(line.label))
         throwConversionRefused(getLabel());
     KNHandleBase::operator=(KNMimeHeader(line.label));
-    readValue(*body(), line.value);
+    readValue(*body(), std::move(line.value));
 }
 
 KNMimeHeader KNMimeHeaderLine::parse(std::string_view text)
 {
-    const SplitLine line = split(text);
-    KNMimeHeader header(line.label);
-    readValue(*header.body(), line.value);
+    SplitLine line = split(text);
+    KNMimeHeader header(factory().create(line.label));
+    KNMimeHeaderImp& body = *header.body();
+    body.setLabel(std::move(line.label));
+    readValue(body, std::move(line.value));
     return header;
 }
 

@@ -45,23 +45,34 @@ KNMimeHeaderFactory::KNMimeHeaderFactory()
 
 KNMimeHeaderFactory::~KNMimeHeaderFactory() = default;
 
+bool KNMimeHeaderFactory::mayBeRegistered(const KNCString& label) const noexcept
+{
+    return label.empty() || registeredFirstBytes_[static_cast<unsigned char>(knToLowerAscii(label[0]))];
+}
+
 KNMimeHeader KNMimeHeaderFactory::create(const KNCString& label) const
 {
-    const auto found = creators_.find(knToLower(label));
-    const Creator& creator = found != creators_.end() ? found->second : defaultCreator_;
-    if (!creator)
+    const Creator* creator = &defaultCreator_;
+    if (mayBeRegistered(label)) {
+        const auto found = creators_.find(knToLower(label));
+        if (found != creators_.end())
+            creator = &found->second;
+    }
+    if (!*creator)
         throw KNTHRInvalidPointer();
-    return creator();
+    return (*creator)();
 }
 
 bool KNMimeHeaderFactory::contains(const KNCString& label) const
 {
-    return creators_.find(knToLower(label)) != creators_.end();
+    return mayBeRegistered(label) && creators_.find(knToLower(label)) != creators_.end();
 }
 
 void KNMimeHeaderFactory::setHeaderFunctor(const KNCString& label, KNTFunctorR0<KNMimeHeader> creator)
 {
     creators_.try_emplace(knToLower(label), std::move(creator));
+    if (!label.empty())
+        registeredFirstBytes_.set(static_cast<unsigned char>(knToLowerAscii(label[0])));
 }
 
 void KNMimeHeaderFactory::unsetHeaderFunctor(const KNCString& label)

@@ -15,6 +15,7 @@
 #include <mime/KNMimeHeader.h>
 
 #include <cstddef>
+#include <bitset>
 #include <unordered_map>
 
 class KNMIME_EXPORT KNMimeHeaderFactory {
@@ -50,7 +51,13 @@ private:
         std::size_t operator()(const KNCString& key) const noexcept { return knHash(key); }
     };
 
+    // Whether a label starting with this byte (lower-cased) may have a creator of its own:
+    // most labels in mail are not registered, and this spares them the lowering and hashing.
+    // Set on registration and never cleared, so a set bit only means "look it up".
+    bool mayBeRegistered(const KNCString& label) const noexcept;
+
     std::unordered_map<KNCString, Creator, KeyHash> creators_;
+    std::bitset<256> registeredFirstBytes_;
     Creator defaultCreator_;
 };
 

@@ -6,6 +6,8 @@
 #include <mime/internal/KNMimeScan.h>
 
 #include <cstddef>
+#include <cstring>
+#include <string_view>
 
 namespace {
 
@@ -31,9 +33,12 @@ bool isPrintableLabel(const KNCString& label) noexcept
 // True when a CR or LF in the value is not part of a fold (CR LF then a blank or a tab):
 // such a byte would end the header line early, so that the rest reads as another header
 // or ends the header block.
-bool hasLineBreakOutsideFold(const KNCString& value) noexcept
+bool hasLineBreakOutsideFold(std::string_view value) noexcept
 {
-    for (std::size_t i = value.find_first_of("\r\n"); i != KNCString::npos; i = value.find_first_of("\r\n", i)) {
+    std::size_t i = 0;
+    for (std::size_t at = KNMimeScan::findLineBreak(value); at != std::string_view::npos;
+         at = KNMimeScan::findLineBreak(value.substr(i))) {
+        i += at;
         if (value[i] == '\n' || i + 2 >= value.size() || value[i + 1] != '\n' || !KNMimeScan::isBlank(value[i + 2]))
             return true;
         i += 3;
@@ -55,25 +60,58 @@ bool KNMimeHeaderImp::compareValueTo(const KNMimeHeaderImp& other) const
     }
 }
 
+void KNMimeHeaderImp::takeValueFromString(KNCString&& text)
+{
+    setValueFromString(text);
+}
+
+void KNMimeHeaderImp::appendValueTo(KNCString& out) const
+{
+    out += getValueAsString();
+}
+
 KNCString KNMimeHeaderImp::asString() const
+{
+    KNCString line;
+    appendTo(line);
+    return line;
+}
+
+// The line is written straight into `out` and checked and folded there, so that printing
+// a header costs no string of its own unless its value has to be built.
+void KNMimeHeaderImp::appendTo(KNCString& out) const
 {
     // The catalogue has an INVALID_LABEL message, but a bad label has always been reported
     // with INVALID_VERSION; callers match on that text.
     if (!isPrintableLabel(label_))
         KNThrow(KNMimeError(KNMessage(knmime_INVALID_VERSION(), label_)));
-    const KNCString value = getValueAsString();
-    if (hasLineBreakOutsideFold(value))
-        KNThrow(KNMimeError(KNMessage(knmime_INVALID_VALUE(), value)));
-    KNCString line;
-    line.reserve(label_.size() + 2 + value.size());
-    line.append(label_).append(": ").append(value);
+    const std::size_t start = out.size();
+    out.append(label_).append(": ");
+    const std::size_t valueStart = out.size();
+    try {
+        appendValueTo(out);
+    } catch (...) {
+        out.resize(start);
+        throw;
+    }
+    const std::size_t length = out.size() - start;
+    const std::string_view value(out.data() + valueStart, out.size() - valueStart);
+    if (hasLineBreakOutsideFold(value)) {
+        const KNCString refused(value);
+        out.resize(start);
+        KNThrow(KNMimeError(KNMessage(knmime_INVALID_VALUE(), refused)));
+    }
     // No line of a text this short can exceed the limit, so folding would change nothing.
-    if (line.size() <= foldLimit)
-        return line;
-    KNCString folded;
-    folded.reserve(line.size() + 2 * (line.size() / foldLimit) + 10);
-    KNMimeScan::appendFolded(folded, line);
-    return folded;
+    if (length <= foldLimit)
+        return;
+    // Fold into the room behind the line, then move the folded text down over it.
+    const std::size_t end = out.size();
+    out.resize(end + KNMimeScan::foldedSizeBound(length));
+    char* const base = out.data();
+    const std::size_t folded =
+        static_cast<std::size_t>(KNMimeScan::writeFolded(base + end, std::string_view(base + start, length)) - (base + end));
+    std::memmove(base + start, base + end, folded);
+    out.resize(start + folded);
 }
 
 bool KNMimeHeaderImp::compareLabelTo(const KNMimeHeaderImp& other) const

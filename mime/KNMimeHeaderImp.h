@@ -9,6 +9,9 @@
 #include <foundation/KNCString.h>
 #include <foundation/KNExport.h>
 
+#include <string_view>
+#include <utility>
+
 class KNMIME_EXPORT KNMimeHeaderImp : public KNBodyBase {
 public:
     ~KNMimeHeaderImp() override;
@@ -17,19 +20,33 @@ public:
     virtual KNCString getValueAsString() const = 0;
     /// Parses a value text (already unfolded and trimmed) into the body.
     virtual void setValueFromString(const KNCString& text) = 0;
+    /// Parses a value text like setValueFromString, free to take over the text's storage:
+    /// a body that keeps the text as it stands moves it instead of copying it.
+    virtual void takeValueFromString(KNCString&& text);
+    /// Appends getValueAsString() to `out`; a body holding its printed value overrides this
+    /// to append it without the intermediate copy.
+    virtual void appendValueTo(KNCString& out) const;
     /// A new body of the same class with the same label and value, for a handle to adopt.
     virtual KNMimeHeaderImp* copy() const = 0;
     /// Compares the printed values exactly; a value that cannot be printed compares unequal.
     virtual bool compareValueTo(const KNMimeHeaderImp& other) const;
 
     /// Replaces the label; it is checked when printed.
+    ///@{
     void setLabel(const KNCString& label) { label_ = label; }
+    void setLabel(KNCString&& label) noexcept { label_ = std::move(label); }
+    ///@}
     /// The label as written.
     KNCString getLabel() const { return label_; }
+
+    /// True when the label equals `label` ignoring case; spares searches a copy per header.
+    bool hasLabel(std::string_view label) const noexcept { return knEqualsIgnoreCase(label_, label); }
     /// "label: value" folded at 78 columns; a label that is empty or holds a blank, colon,
     /// control character or DEL is refused, and so is a value holding a CR or LF that is
     /// not part of a fold (INVALID_VALUE), which would start another header line.
     KNCString asString() const;
+    /// Appends asString() to `out`, with the same checks; on an error `out` is as it was.
+    void appendTo(KNCString& out) const;
     /// Labels equal ignoring case.
     bool compareLabelTo(const KNMimeHeaderImp& other) const;
 

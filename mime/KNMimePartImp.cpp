@@ -1,5 +1,7 @@
 #include <mime/KNMimePartImp.h>
 
+#include <mime/KNMimeHeaderImp.h>
+
 namespace {
 // Room reserved per header line when a printed size is estimated; lines are rarely longer.
 constexpr std::size_t headerSizeGuess = 64;
@@ -30,7 +32,7 @@ void KNMimePartImp::removeHeaderAt(std::size_t i)
 std::size_t KNMimePartImp::findHeader(const KNCString& label, std::size_t start) const
 {
     for (std::size_t i = start; i < headers_.size(); ++i) {
-        if (knEqualsIgnoreCase(headers_[i].getLabel(), label))
+        if (headers_[i].body()->hasLabel(label))
             return i;
     }
     return KNCString::npos;
@@ -52,7 +54,7 @@ KNCString KNMimePartImp::asString() const
 void KNMimePartImp::appendTo(KNCString& out) const
 {
     for (const KNMimeHeader& header : headers_) {
-        out += header.asString();
+        header.body()->appendTo(out);
         out += CRLF;
     }
     out += CRLF;

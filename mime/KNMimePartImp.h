@@ -13,6 +13,8 @@
 #include <mime/KNMimeHeader.h>
 
 #include <cstddef>
+#include <utility>
+#include <vector>
 
 class KNMimeStringPartImp;
 class KNMimeMultipartImp;
@@ -46,6 +48,9 @@ public:
     KNMimeHeader getHeader(std::size_t i) const;
     /// Appends `header` (shared, not copied).
     void insertHeader(const KNMimeHeader& header);
+    /// Replaces every header by `headers`, taking over the list: for parsers, which collect
+    /// the headers before they know which body class the entity gets.
+    void adoptHeaders(std::vector<KNMimeHeader>&& headers) noexcept { headers_.assign(std::move(headers)); }
     /// The new header gets index i; i equal to the count appends.
     void insertHeaderAt(std::size_t i, const KNMimeHeader& header);
     /// Removes header i; KNBoundsErr when i is not below the count.

@@ -1,6 +1,7 @@
 #include <mime/internal/KNMimeScan.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 namespace {
@@ -131,6 +132,29 @@ bool stepInComment(std::string_view text, std::size_t& i, std::size_t& depth) no
 
 namespace KNMimeScan {
 
+std::size_t findLineBreak(std::string_view text) noexcept
+{
+    // A word has a zero byte exactly where (x - 0x01..) & ~x & 0x80.. is non-zero; x is the
+    // word xored with the byte sought, so its zero bytes are the matches.
+    constexpr std::uint64_t ones = 0x0101010101010101u;
+    constexpr std::uint64_t highs = 0x8080808080808080u;
+    const char* const data = text.data();
+    const std::size_t n = text.size();
+    std::size_t i = 0;
+    for (; i + 8 <= n; i += 8) {
+        std::uint64_t word;
+        std::memcpy(&word, data + i, 8);
+        const std::uint64_t cr = word ^ (ones * '\r');
+        const std::uint64_t lf = word ^ (ones * '\n');
+        if ((((cr - ones) & ~cr) | ((lf - ones) & ~lf)) & highs)
+            break;
+    }
+    for (; i < n; ++i)
+        if (data[i] == '\r' || data[i] == '\n')
+            return i;
+    return std::string_view::npos;
+}
+
 std::size_t findDelimiter(std::string_view text, char delim, std::size_t from) noexcept
 {
     enum { Normal, Quoted, Comment } state = Normal;
@@ -180,6 +204,9 @@ bool isToken(std::string_view text) noexcept
 
 KNCString cleanToken(std::string_view text, bool unquote)
 {
+    // A plain name or value, with nothing to clean, is copied as it stands.
+    if (endOfPlainRun(text, 0) == text.size())
+        return KNCString(text);
     enum { Normal, Quoted, Comment, Blanks } state = Normal;
     std::size_t depth = 0;
     // Set when white space was copied inside quotes: such a trailing blank is data and stays.
@@ -260,13 +287,18 @@ KNCString unfoldAndTrim(std::string_view text)
     while (last > first && isWhitespace(text[last - 1]))
         --last;
 
+    const char* const base = text.data();
+    // Most values hold no line end at all: they are the trimmed slice as it stands.
+    const std::size_t firstCr = findByte(base, first, last, '\r');
+    if (firstCr == last)
+        return KNCString(base + first, last - first);
+
     KNCString out;
     out.resize(last - first);
     char* const begin = out.data();
     char* w = begin;
-    const char* const base = text.data();
     std::size_t run = first;
-    std::size_t i = first;
+    std::size_t i = firstCr;
     while (i < last) {
         const std::size_t at = findByte(base, i, last, '\r');
         if (at == last)
@@ -286,13 +318,16 @@ KNCString unfoldAndTrim(std::string_view text)
 
 void appendFolded(KNCString& out, std::string_view text)
 {
+    const std::size_t at = out.size();
+    out.resize(at + foldedSizeBound(text.size()));
+    char* const end = writeFolded(out.data() + at, text);
+    out.resize(static_cast<std::size_t>(end - out.data()));
+}
+
+char* writeFolded(char* w, std::string_view text) noexcept
+{
     const std::size_t n = text.size();
     const char* const base = text.data();
-    // Two consecutive folded pieces of one line span more than the limit, so at most one
-    // CR LF is inserted per 39 bytes: this size is an upper bound.
-    const std::size_t at = out.size();
-    out.resize(at + n + n / 16 + 16);
-    char* w = out.data() + at;
     std::size_t p = 0;
     while (p < n) {
         const std::size_t e = findCrlf(text, p);
@@ -309,7 +344,7 @@ void appendFolded(KNCString& out, std::string_view text)
             w = copyBytes(w, "\r\n", 2);
         p = e + 2;
     }
-    out.resize(static_cast<std::size_t>(w - out.data()));
+    return w;
 }
 
 } // namespace KNMimeScan

@@ -20,6 +20,11 @@ void KNMimeStructuredHeaderImp::setValueFromString(const KNCString& text)
     value_ = KNMimeScan::cleanToken(text, false);
 }
 
+void KNMimeStructuredHeaderImp::appendValueTo(KNCString& out) const
+{
+    out += value_;
+}
+
 KNMimeStructuredHeaderImp* KNMimeStructuredHeaderImp::copy() const
 {
     return new KNMimeStructuredHeaderImp(*this);

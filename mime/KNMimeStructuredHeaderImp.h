@@ -21,6 +21,7 @@ public:
 
     KNCString getValueAsString() const override;
     void setValueFromString(const KNCString& text) override;
+    void appendValueTo(KNCString& out) const override;
     KNMimeStructuredHeaderImp* copy() const override;
 
     /// The value as written.

@@ -2,6 +2,8 @@
 
 #include <mime/KNMimeHeader.h>
 
+#include <utility>
+
 KNMimeUnstructuredHeaderImp::~KNMimeUnstructuredHeaderImp() = default;
 
 KNMimeHeader KNMimeUnstructuredHeaderImp::make()
@@ -18,6 +20,16 @@ KNCString KNMimeUnstructuredHeaderImp::getValueAsString() const
 void KNMimeUnstructuredHeaderImp::setValueFromString(const KNCString& text)
 {
     value_ = text;
+}
+
+void KNMimeUnstructuredHeaderImp::takeValueFromString(KNCString&& text)
+{
+    value_ = std::move(text);
+}
+
+void KNMimeUnstructuredHeaderImp::appendValueTo(KNCString& out) const
+{
+    out += value_;
 }
 
 KNMimeUnstructuredHeaderImp* KNMimeUnstructuredHeaderImp::copy() const

@@ -21,6 +21,8 @@ public:
 
     KNCString getValueAsString() const override;
     void setValueFromString(const KNCString& text) override;
+    void takeValueFromString(KNCString&& text) override;
+    void appendValueTo(KNCString& out) const override;
     KNMimeUnstructuredHeaderImp* copy() const override;
 
     /// The value as written.

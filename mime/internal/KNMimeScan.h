@@ -25,6 +25,10 @@ constexpr bool isBlank(char c) noexcept
     return c == ' ' || c == '\t';
 }
 
+// Position of the first CR or LF in `text`, or npos; eight bytes at a time, as header
+// values are checked for line breaks each time they are printed.
+std::size_t findLineBreak(std::string_view text) noexcept;
+
 // Position of the first `delim` at or after `from` outside quoted strings and comments,
 // scanning from `from` in the unquoted state; npos when there is none.
 std::size_t findDelimiter(std::string_view text, char delim, std::size_t from = 0) noexcept;
@@ -40,6 +44,18 @@ KNCString unfoldAndTrim(std::string_view text);
 
 // Appends the folded form of `text` (see KNMimeUtils::fold) to `out`.
 void appendFolded(KNCString& out, std::string_view text);
+
+// Room that always holds the folded form of a text of `n` bytes: two consecutive folded
+// pieces of one line span more than the line limit, so at most one CR LF is inserted per
+// 39 bytes.
+constexpr std::size_t foldedSizeBound(std::size_t n) noexcept
+{
+    return n + n / 16 + 16;
+}
+
+// Writes the folded form of `text` at `w`, which has foldedSizeBound(text.size()) bytes of
+// room not overlapping the text; returns the end of what was written.
+char* writeFolded(char* w, std::string_view text) noexcept;
 
 } // namespace KNMimeScan
 

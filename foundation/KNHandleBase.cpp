@@ -2,12 +2,6 @@
 
 #include <foundation/KNTHRInvalidPointer.h>
 
-KNHandleBase::KNHandleBase(KNBodyBase* body) noexcept : body_(body)
-{
-    if (body_ != nullptr)
-        body_->addReference();
-}
-
 KNHandleBase::KNHandleBase(const KNHandleBase& other) noexcept : KNHandleBase(other.body_) {}
 
 KNHandleBase& KNHandleBase::operator=(const KNHandleBase& other) noexcept
@@ -27,18 +21,6 @@ KNHandleBase& KNHandleBase::operator=(KNHandleBase&& other) noexcept
     return *this;
 }
 
-KNHandleBase::~KNHandleBase()
-{
-    release(body_);
-}
-
-KNBodyBase* KNHandleBase::checkedBody() const
-{
-    if (body_ == nullptr)
-        throwInvalidPointer();
-    return body_;
-}
-
 void KNHandleBase::rebind(KNBodyBase* body) noexcept
 {
     if (body == body_)
@@ -56,8 +38,3 @@ void KNHandleBase::throwInvalidPointer()
     throw KNTHRInvalidPointer();
 }
 
-void KNHandleBase::release(KNBodyBase* body) noexcept
-{
-    if (body != nullptr && body->dropReference())
-        delete body;
-}

@@ -20,7 +20,11 @@ public:
 
 protected:
     /// Adopts the body (null gives an empty handle) and adds one reference to it.
-    explicit KNHandleBase(KNBodyBase* body = nullptr) noexcept;
+    explicit KNHandleBase(KNBodyBase* body = nullptr) noexcept : body_(body)
+    {
+        if (body_ != nullptr)
+            body_->addReference();
+    }
     /// Copies share the body. Protected, so that a handle is only ever assigned a handle of
     /// its own class, never another class's body through a base reference.
     KNHandleBase(const KNHandleBase& other) noexcept;
@@ -30,10 +34,15 @@ protected:
     KNHandleBase(KNHandleBase&& other) noexcept : body_(other.body_) { other.body_ = nullptr; }
     /// Takes the body of `other`, which becomes empty, and lets go of the current one.
     KNHandleBase& operator=(KNHandleBase&& other) noexcept;
-    ~KNHandleBase();
+    ~KNHandleBase() { release(body_); }
 
     /// The body, or KNTHRInvalidPointer ("Invalid pointer") for an empty handle.
-    KNBodyBase* checkedBody() const;
+    KNBodyBase* checkedBody() const
+    {
+        if (body_ == nullptr)
+            throwInvalidPointer();
+        return body_;
+    }
 
     /// The body of a root handle, whose constructors accept bodies of class Body only, so
     /// that no check beyond the empty handle is needed.
@@ -62,7 +71,12 @@ protected:
     [[noreturn]] static void throwInvalidPointer();
 
 private:
-    static void release(KNBodyBase* body) noexcept;
+    // Handles are made and dropped once per header and part: these stay inline.
+    static void release(KNBodyBase* body) noexcept
+    {
+        if (body != nullptr && body->dropReference())
+            delete body;
+    }
 
     KNBodyBase* body_;
 };

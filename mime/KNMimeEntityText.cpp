@@ -12,6 +12,7 @@
 #include <mime/KNMimeMultipartType.h>
 #include <mime/KNMimeStringPartImp.h>
 #include <mime/internal/KNMimeHeaderLine.h>
+#include <mime/internal/KNMimeScan.h>
 
 #include <algorithm>
 #include <vector>
@@ -22,20 +23,20 @@ constexpr std::string_view crlf = "\r\n";
 constexpr std::string_view emptyLine = "\r\n\r\n";
 constexpr std::string_view dashes = "--";
 
-// Cuts the header block, which ends with the line end at `blockEnd`, into logical header
-// lines and parses each. A physical line starting with a blank or tab continues the one
-// before; the fold stays in the text handed to the header, which unfolds it itself. A
-// logical line is therefore one contiguous slice of the text.
-std::vector<KNMimeHeader> parseHeaderBlock(std::string_view text, std::size_t blockEnd)
+// Cuts the header block, which ends with the line end at `blockEnd` and has at most
+// `lines` physical lines, into logical header lines and parses each. A physical line
+// starting with a blank or tab continues the one before; the fold stays in the text handed
+// to the header, which unfolds it itself. A logical line is therefore one contiguous slice
+// of the text.
+std::vector<KNMimeHeader> parseHeaderBlock(std::string_view text, std::size_t blockEnd, std::size_t lines)
 {
     std::vector<KNMimeHeader> headers;
-    // One header per physical line at most: counting them spares the list its regrowth.
-    headers.reserve(static_cast<std::size_t>(std::count(text.begin(), text.begin() + blockEnd, '\n')) + 1);
+    headers.reserve(lines);
     std::size_t start = 0;
     std::size_t p = 0;
     while (p < blockEnd) {
-        const std::size_t e = text.find(crlf, p); // found: the block's own line end is at blockEnd
-        p = e + 2;                                // at most blockEnd + 2, inside the empty line
+        const std::size_t e = KNMimeScan::findCrlf(text, p); // found: at blockEnd at the latest
+        p = e + 2;                                            // at most blockEnd + 2, inside the empty line
         if (text[p] == ' ' || text[p] == '\t')
             continue;
         headers.push_back(KNMimeHeaderLine::parse(text.substr(start, e - start)));
@@ -50,11 +51,19 @@ std::size_t parseHead(std::string_view text, std::vector<KNMimeHeader>& headers)
     // A text that opens with a line end has no header block; exactly "\r\n" does not count.
     if (text.size() > crlf.size() && text.substr(0, crlf.size()) == crlf)
         return crlf.size();
-    const std::size_t separator = text.find(emptyLine);
-    if (separator == std::string_view::npos)
+    // The block ends at the first line end followed by another. Walking the line ends to
+    // find it also counts the lines, and a text without one is refused before any header
+    // is parsed.
+    std::size_t lines = 1;
+    std::size_t e = KNMimeScan::findCrlf(text, 0);
+    while (e != text.size() && text.substr(e + crlf.size(), crlf.size()) != crlf) {
+        ++lines;
+        e = KNMimeScan::findCrlf(text, e + crlf.size());
+    }
+    if (e == text.size())
         KNThrow(KNMimeParseError(KNMessage(knmime_MISSING_HEADER_BODY_SEPARATOR())));
-    headers = parseHeaderBlock(text, separator);
-    return separator + emptyLine.size();
+    headers = parseHeaderBlock(text, e, lines);
+    return e + emptyLine.size();
 }
 
 bool firstContentTypeIsMultipart(const std::vector<KNMimeHeader>& headers)

@@ -40,34 +40,54 @@ inline char* copyBytes(char* w, const char* from, std::size_t count) noexcept
     return w + count;
 }
 
-// Position of the first `c` in [from, to), or `to`. Looks at a few bytes inline before
-// calling memchr, whose call overhead dominates when the bytes sought are dense.
+constexpr std::uint64_t lowBits = 0x0101010101010101u;
+constexpr std::uint64_t highBits = 0x8080808080808080u;
+
+// Eight bytes from `p`, in whatever byte order the machine has: only whether some byte
+// matches is asked of a word, never which one.
+inline std::uint64_t loadWord(const char* p) noexcept
+{
+    std::uint64_t word;
+    std::memcpy(&word, p, sizeof word);
+    return word;
+}
+
+// True when some byte of `word` equals `c`: a byte of x = word ^ c...c is zero exactly
+// where (x - 0x01..) & ~x has its high bit set, for the lowest such byte at least.
+inline bool hasByte(std::uint64_t word, char c) noexcept
+{
+    const std::uint64_t x = word ^ (lowBits * static_cast<unsigned char>(c));
+    return ((x - lowBits) & ~x & highBits) != 0;
+}
+
+// Position of the first `c` in [from, to), or `to`. Header lines are short and the bytes
+// sought dense, so the first stretch is searched eight bytes at a time inline; memchr, whose
+// call costs more than such a line, takes over for long stretches such as bodies.
 inline std::size_t findByte(const char* base, std::size_t from, std::size_t to, char c) noexcept
 {
-    const std::size_t inlineEnd = std::min(to, from + 16);
-    for (; from < inlineEnd; ++from)
-        if (base[from] == c)
-            return from;
-    if (from == to)
+    constexpr std::size_t inlineStretch = 128;
+    const std::size_t inlineEnd = to - from > inlineStretch ? from + inlineStretch : to;
+    std::size_t i = from;
+    for (; i + 8 <= inlineEnd; i += 8) {
+        if (hasByte(loadWord(base + i), c)) {
+            while (base[i] != c)
+                ++i;
+            return i;
+        }
+    }
+    if (inlineEnd == to) {
+        for (; i < to; ++i)
+            if (base[i] == c)
+                return i;
         return to;
-    const void* hit = std::memchr(base + from, c, to - from);
+    }
+    const void* hit = std::memchr(base + i, c, to - i);
     return hit == nullptr ? to : static_cast<std::size_t>(static_cast<const char*>(hit) - base);
 }
 
-// Position of the next CR LF pair at or after `from`, or the length of the text.
-std::size_t findCrlf(std::string_view text, std::size_t from) noexcept
+constexpr bool opensQuoteOrComment(char c) noexcept
 {
-    const char* const base = text.data();
-    const std::size_t n = text.size();
-    while (from + 1 < n) {
-        const std::size_t at = findByte(base, from, n - 1, '\r');
-        if (at == n - 1)
-            break;
-        if (base[at + 1] == '\n')
-            return at;
-        from = at + 1;
-    }
-    return n;
+    return c == '"' || c == '(';
 }
 
 bool hasNonBlank(std::string_view text, std::size_t from, std::size_t to) noexcept
@@ -132,26 +152,41 @@ bool stepInComment(std::string_view text, std::size_t& i, std::size_t& depth) no
 
 namespace KNMimeScan {
 
+std::size_t findCrlf(std::string_view text, std::size_t from) noexcept
+{
+    const char* const base = text.data();
+    const std::size_t n = text.size();
+    while (from + 1 < n) {
+        const std::size_t at = findByte(base, from, n - 1, '\r');
+        if (at == n - 1)
+            break;
+        if (base[at + 1] == '\n')
+            return at;
+        from = at + 1;
+    }
+    return n;
+}
+
 std::size_t findLineBreak(std::string_view text) noexcept
 {
-    // A word has a zero byte exactly where (x - 0x01..) & ~x & 0x80.. is non-zero; x is the
-    // word xored with the byte sought, so its zero bytes are the matches.
-    constexpr std::uint64_t ones = 0x0101010101010101u;
-    constexpr std::uint64_t highs = 0x8080808080808080u;
+    // CR and LF are below 0x0E, like only tab, NUL and a few other controls: a word without
+    // any byte below 0x0E needs no closer look.
     const char* const data = text.data();
     const std::size_t n = text.size();
     std::size_t i = 0;
-    for (; i + 8 <= n; i += 8) {
-        std::uint64_t word;
-        std::memcpy(&word, data + i, 8);
-        const std::uint64_t cr = word ^ (ones * '\r');
-        const std::uint64_t lf = word ^ (ones * '\n');
-        if ((((cr - ones) & ~cr) | ((lf - ones) & ~lf)) & highs)
-            break;
+    while (i < n) {
+        if (i + 8 <= n) {
+            const std::uint64_t word = loadWord(data + i);
+            if (((word - lowBits * 0x0E) & ~word & highBits) == 0) {
+                i += 8;
+                continue;
+            }
+        }
+        const std::size_t end = i + 8 <= n ? i + 8 : n;
+        for (; i < end; ++i)
+            if (data[i] == '\r' || data[i] == '\n')
+                return i;
     }
-    for (; i < n; ++i)
-        if (data[i] == '\r' || data[i] == '\n')
-            return i;
     return std::string_view::npos;
 }
 
@@ -164,12 +199,15 @@ std::size_t findDelimiter(std::string_view text, char delim, std::size_t from) n
         const char c = text[i];
         switch (state) {
         case Normal:
-            // The delimiter test comes first so that '"' or '(' can be delimiters too.
-            if (c == delim)
-                return i;
-            if (c == '"') {
+            // Ordinary bytes come in runs: step to the next byte that matters. The delimiter
+            // test comes first so that '"' or '(' can be delimiters too.
+            while (i < n && text[i] != delim && !opensQuoteOrComment(text[i]))
+                ++i;
+            if (i == n || text[i] == delim)
+                return i == n ? std::string_view::npos : i;
+            if (text[i] == '"') {
                 state = Quoted;
-            } else if (c == '(') {
+            } else {
                 state = Comment;
                 depth = 1;
             }

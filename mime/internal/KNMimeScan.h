@@ -25,6 +25,9 @@ constexpr bool isBlank(char c) noexcept
     return c == ' ' || c == '\t';
 }
 
+// Position of the first CR LF pair at or after `from`, or the length of the text.
+std::size_t findCrlf(std::string_view text, std::size_t from) noexcept;
+
 // Position of the first CR or LF in `text`, or npos; eight bytes at a time, as header
 // values are checked for line breaks each time they are printed.
 std::size_t findLineBreak(std::string_view text) noexcept;

@@ -8,13 +8,34 @@
 #include <mime/KNMimeUnstructuredHeaderImp.h>
 #include <mime/KNMimeVersionHeaderImp.h>
 
+#include <algorithm>
 #include <new>
 #include <utility>
 
 namespace {
 
-// A prime comfortably above the built-in registrations plus an application's own.
-constexpr std::size_t initialBuckets = 61;
+// Orders labels by length, then by their bytes lowered: most labels looked up differ in
+// length from every registered one and are told apart without reading a byte.
+bool lessIgnoringCase(std::string_view a, std::string_view b) noexcept
+{
+    if (a.size() != b.size())
+        return a.size() < b.size();
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        const char x = knToLowerAscii(a[i]);
+        const char y = knToLowerAscii(b[i]);
+        if (x != y)
+            return static_cast<unsigned char>(x) < static_cast<unsigned char>(y);
+    }
+    return false;
+}
+
+// The first registration whose label does not order before `label`.
+template <class Registrations>
+auto lowerBound(Registrations& registrations, std::string_view label)
+{
+    return std::lower_bound(registrations.begin(), registrations.end(), label,
+                            [](const auto& r, std::string_view l) { return lessIgnoringCase(r.first, l); });
+}
 
 } // namespace
 
@@ -31,7 +52,7 @@ KNTCountingPointer<KNMimeHeaderFactory, KNAtomicCounter> KNMimeHeaderFactory::in
 // The labels are literals, not the typed headers' Label constants, which may not be
 // initialised yet when the first header is made during static initialisation.
 KNMimeHeaderFactory::KNMimeHeaderFactory()
-    : creators_(initialBuckets), defaultCreator_(&KNMimeUnstructuredHeaderImp::make)
+    : defaultCreator_(&KNMimeUnstructuredHeaderImp::make)
 {
     const Creator structured(&KNMimeStructuredHeaderImp::make);
     setHeaderFunctor("Content-Description", defaultCreator_);
@@ -45,7 +66,14 @@ KNMimeHeaderFactory::KNMimeHeaderFactory()
 
 KNMimeHeaderFactory::~KNMimeHeaderFactory() = default;
 
-bool KNMimeHeaderFactory::mayBeRegistered(const KNCString& label) const noexcept
+std::vector<KNMimeHeaderFactory::Registration>::const_iterator
+KNMimeHeaderFactory::find(std::string_view label) const noexcept
+{
+    const auto at = lowerBound(creators_, label);
+    return at != creators_.end() && knEqualsIgnoreCase(at->first, label) ? at : creators_.end();
+}
+
+bool KNMimeHeaderFactory::mayBeRegistered(std::string_view label) const noexcept
 {
     return label.empty() || registeredFirstBytes_[static_cast<unsigned char>(knToLowerAscii(label[0]))];
 }
@@ -54,7 +82,7 @@ KNMimeHeader KNMimeHeaderFactory::create(const KNCString& label) const
 {
     const Creator* creator = &defaultCreator_;
     if (mayBeRegistered(label)) {
-        const auto found = creators_.find(knToLower(label));
+        const auto found = find(label);
         if (found != creators_.end())
             creator = &found->second;
     }
@@ -65,19 +93,24 @@ KNMimeHeader KNMimeHeaderFactory::create(const KNCString& label) const
 
 bool KNMimeHeaderFactory::contains(const KNCString& label) const
 {
-    return mayBeRegistered(label) && creators_.find(knToLower(label)) != creators_.end();
+    return mayBeRegistered(label) && find(label) != creators_.end();
 }
 
 void KNMimeHeaderFactory::setHeaderFunctor(const KNCString& label, KNTFunctorR0<KNMimeHeader> creator)
 {
-    creators_.try_emplace(knToLower(label), std::move(creator));
+    const auto at = lowerBound(creators_, label);
+    if (at != creators_.end() && knEqualsIgnoreCase(at->first, label))
+        return; // the first registration wins
+    creators_.emplace(at, label, std::move(creator));
     if (!label.empty())
         registeredFirstBytes_.set(static_cast<unsigned char>(knToLowerAscii(label[0])));
 }
 
 void KNMimeHeaderFactory::unsetHeaderFunctor(const KNCString& label)
 {
-    creators_.erase(knToLower(label));
+    const auto found = find(label);
+    if (found != creators_.end())
+        creators_.erase(found);
 }
 
 void KNMimeHeaderFactory::setDefaultHeaderFunctor(KNTFunctorR0<KNMimeHeader> creator)

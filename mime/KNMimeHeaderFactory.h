@@ -16,7 +16,9 @@
 
 #include <cstddef>
 #include <bitset>
-#include <unordered_map>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 class KNMIME_EXPORT KNMimeHeaderFactory {
 public:
@@ -46,17 +48,17 @@ public:
 private:
     KNMimeHeaderFactory();
 
-    // Keys are lower-cased labels, hashed and compared exactly.
-    struct KeyHash {
-        std::size_t operator()(const KNCString& key) const noexcept { return knHash(key); }
-    };
+    // One registration per label, ordered by the label ignoring case, so that a lookup
+    // compares the label as it stands, without lowering or hashing a copy of it.
+    using Registration = std::pair<KNCString, Creator>;
+    std::vector<Registration>::const_iterator find(std::string_view label) const noexcept;
 
     // Whether a label starting with this byte (lower-cased) may have a creator of its own:
-    // most labels in mail are not registered, and this spares them the lowering and hashing.
-    // Set on registration and never cleared, so a set bit only means "look it up".
-    bool mayBeRegistered(const KNCString& label) const noexcept;
+    // most labels in mail are not registered, and this spares them even the search. Set on
+    // registration and never cleared, so a set bit only means "look it up".
+    bool mayBeRegistered(std::string_view label) const noexcept;
 
-    std::unordered_map<KNCString, Creator, KeyHash> creators_;
+    std::vector<Registration> creators_;
     std::bitset<256> registeredFirstBytes_;
     Creator defaultCreator_;
 };

@@ -1,5 +1,6 @@
 #include <mime/KNMimeContentDispositionHeaderImp.h>
 
+#include <mime/KNMimeContentDispositionImp.h>
 #include <mime/KNMimeHeader.h>
 
 KNMimeContentDispositionHeaderImp::KNMimeContentDispositionHeaderImp(const KNMimeContentDispositionHeaderImp& other)
@@ -17,6 +18,11 @@ KNMimeHeader KNMimeContentDispositionHeaderImp::make()
 KNCString KNMimeContentDispositionHeaderImp::getValueAsString() const
 {
     return disposition_.asString();
+}
+
+void KNMimeContentDispositionHeaderImp::appendValueTo(KNCString& out) const
+{
+    disposition_.body()->appendTo(out);
 }
 
 void KNMimeContentDispositionHeaderImp::setValueFromString(const KNCString& text)

@@ -20,6 +20,7 @@ public:
     static KNMimeHeader make();
 
     KNCString getValueAsString() const override;
+    void appendValueTo(KNCString& out) const override;
     void setValueFromString(const KNCString& text) override;
     KNMimeContentDispositionHeaderImp* copy() const override;
     bool compareValueTo(const KNMimeHeaderImp& other) const override;

@@ -61,13 +61,18 @@ void KNMimeContentDispositionImp::fromString(const KNCString& text)
 
 KNCString KNMimeContentDispositionImp::asString() const
 {
-    if (!KNMimeScan::isToken(type_))
-        KNThrow(KNMimeError(KNMessage(knmime_INVALID_TOKEN(), type_)));
     KNCString result;
     result.reserve(10 * parameters_.getParameterCount() + 10);
-    result += type_;
-    parameters_.appendTo(result);
+    appendTo(result);
     return result;
+}
+
+void KNMimeContentDispositionImp::appendTo(KNCString& out) const
+{
+    if (!KNMimeScan::isToken(type_))
+        KNThrow(KNMimeError(KNMessage(knmime_INVALID_TOKEN(), type_)));
+    out += type_;
+    parameters_.appendTo(out);
 }
 
 bool operator==(const KNMimeContentDispositionImp& a, const KNMimeContentDispositionImp& b)

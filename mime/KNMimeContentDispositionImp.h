@@ -35,6 +35,8 @@ public:
     void fromString(const KNCString& text);
     /// KNMimeError (INVALID_TOKEN) when the type or a parameter name is not a token.
     KNCString asString() const;
+    /// Appends asString() to `out`, for printers that write into one buffer.
+    void appendTo(KNCString& out) const;
 
     /// The parameters, for changing them in place.
     KNMimeParameterList& parameterList() { return parameters_; }

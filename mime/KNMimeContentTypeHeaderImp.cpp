@@ -1,7 +1,10 @@
 #include <mime/KNMimeContentTypeHeaderImp.h>
 
 #include <mime/KNMimeHeader.h>
+#include <mime/KNMimeContentTypeImp.h>
 #include <mime/KNMimeParameterList.h>
+
+#include <typeinfo>
 
 KNMimeContentTypeHeaderImp::KNMimeContentTypeHeaderImp() : contentType_("text", "plain", KNMimeParameterList()) {}
 
@@ -20,6 +23,15 @@ KNMimeHeader KNMimeContentTypeHeaderImp::make()
 KNCString KNMimeContentTypeHeaderImp::getValueAsString() const
 {
     return contentType_.asString();
+}
+
+void KNMimeContentTypeHeaderImp::appendValueTo(KNCString& out) const
+{
+    const KNMimeContentTypeImp* type = contentType_.body();
+    if (typeid(*type) == typeid(KNMimeContentTypeImp))
+        type->appendTo(out);
+    else
+        out += type->asString(); // a class of the application's may print its own way
 }
 
 void KNMimeContentTypeHeaderImp::setValueFromString(const KNCString& text)

@@ -22,6 +22,7 @@ public:
     static KNMimeHeader make();
 
     KNCString getValueAsString() const override;
+    void appendValueTo(KNCString& out) const override;
     void setValueFromString(const KNCString& text) override;
     KNMimeContentTypeHeaderImp* copy() const override;
     bool compareValueTo(const KNMimeHeaderImp& other) const override;

@@ -29,15 +29,20 @@ KNMimeContentTypeImp::~KNMimeContentTypeImp() = default;
 
 KNCString KNMimeContentTypeImp::asString() const
 {
-    requireToken(mediaType_);
-    requireToken(subType_);
     KNCString result;
     result.reserve(20 * parameters_.getParameterCount() + 20);
-    result += mediaType_;
-    result += '/';
-    result += subType_;
-    parameters_.appendTo(result);
+    appendTo(result);
     return result;
+}
+
+void KNMimeContentTypeImp::appendTo(KNCString& out) const
+{
+    requireToken(mediaType_);
+    requireToken(subType_);
+    out += mediaType_;
+    out += '/';
+    out += subType_;
+    parameters_.appendTo(out);
 }
 
 KNMimeContentTypeImp* KNMimeContentTypeImp::copy() const

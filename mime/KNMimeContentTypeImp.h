@@ -20,6 +20,9 @@ public:
     /// type/subtype followed by the parameters; KNMimeError (INVALID_TOKEN) when the media
     /// type, the subtype or a parameter name is not a token.
     virtual KNCString asString() const;
+    /// Appends what this class's asString() gives to `out`: for printers that write into
+    /// one buffer. A subclass that prints otherwise is printed through its asString().
+    void appendTo(KNCString& out) const;
     /// A new, unreferenced body holding a member-wise copy.
     virtual KNMimeContentTypeImp* copy() const;
 

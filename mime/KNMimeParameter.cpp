@@ -64,16 +64,17 @@ void KNMimeParameter::appendTo(KNCString& out) const
     out += name_;
     out += "=\"";
     // Quoted even when the value is a plain token: readers expect one form only.
-    const std::string_view value(value_);
+    const std::size_t n = value_.size();
     std::size_t from = 0;
-    for (std::size_t special = value.find_first_of("\"\\"); special != value.npos;
-         special = value.find_first_of("\"\\", from)) {
-        out.append(value, from, special - from);
+    for (std::size_t i = 0; i < n; ++i) {
+        if (value_[i] != '"' && value_[i] != '\\')
+            continue;
+        out.append(value_, from, i - from);
         out += '\\';
-        out += value[special];
-        from = special + 1;
+        out += value_[i];
+        from = i + 1;
     }
-    out.append(value, from);
+    out.append(value_, from);
     out += '"';
 }
 

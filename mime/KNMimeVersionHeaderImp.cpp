@@ -6,8 +6,8 @@
 #include <mime/KNMimeMessages.h>
 #include <mime/internal/KNMimeScan.h>
 
+#include <charconv>
 #include <cstdint>
-#include <cstdio>
 #include <limits>
 
 namespace {
@@ -45,9 +45,19 @@ KNMimeHeader KNMimeVersionHeaderImp::make()
 
 KNCString KNMimeVersionHeaderImp::getValueAsString() const
 {
-    char text[24]; // two 32-bit numbers and a point
-    std::snprintf(text, sizeof text, "%u.%u", majorVersion_, minorVersion_);
+    KNCString text;
+    appendValueTo(text);
     return text;
+}
+
+void KNMimeVersionHeaderImp::appendValueTo(KNCString& out) const
+{
+    constexpr std::size_t digits = std::numeric_limits<unsigned>::digits10 + 1;
+    char text[2 * digits + 1];
+    char* const point = std::to_chars(text, text + digits, majorVersion_).ptr;
+    *point = '.';
+    char* const end = std::to_chars(point + 1, point + 1 + digits, minorVersion_).ptr;
+    out.append(text, static_cast<std::size_t>(end - text));
 }
 
 // Comments are dropped first so that "1.0 (produced by ...)" reads. The numbers are

@@ -19,6 +19,7 @@ public:
     static KNMimeHeader make();
 
     KNCString getValueAsString() const override;
+    void appendValueTo(KNCString& out) const override;
     /// Reads "major.minor" (comments allowed); a number read before a failure stays set. A
     /// number beyond 32 bits is refused (INVALID_VERSION).
     void setValueFromString(const KNCString& text) override;

@@ -15,55 +15,53 @@
 #include <mime/internal/KNMimeScan.h>
 
 #include <algorithm>
+#include <exception>
 #include <vector>
 
 namespace {
 
 constexpr std::string_view crlf = "\r\n";
-constexpr std::string_view emptyLine = "\r\n\r\n";
 constexpr std::string_view dashes = "--";
 
-// Cuts the header block, which ends with the line end at `blockEnd` and has at most
-// `lines` physical lines, into logical header lines and parses each. A physical line
-// starting with a blank or tab continues the one before; the fold stays in the text handed
-// to the header, which unfolds it itself. A logical line is therefore one contiguous slice
-// of the text.
-std::vector<KNMimeHeader> parseHeaderBlock(std::string_view text, std::size_t blockEnd, std::size_t lines)
-{
-    std::vector<KNMimeHeader> headers;
-    headers.reserve(lines);
-    std::size_t start = 0;
-    std::size_t p = 0;
-    while (p < blockEnd) {
-        const std::size_t e = KNMimeScan::findCrlf(text, p); // found: at blockEnd at the latest
-        p = e + 2;                                            // at most blockEnd + 2, inside the empty line
-        if (text[p] == ' ' || text[p] == '\t')
-            continue;
-        headers.push_back(KNMimeHeaderLine::parse(text.substr(start, e - start)));
-        start = p;
-    }
-    return headers;
-}
+// Room for the headers of most entities; longer blocks grow the list.
+constexpr std::size_t headersGuess = 16;
 
-// Offset where the body starts; the parsed headers go to `headers`.
+// Parses the header block into `headers` and returns the offset where the body starts. The
+// block ends at the first line end followed by another. A physical line starting with a
+// blank or tab continues the one before; the fold stays in the text handed to the header,
+// which unfolds it itself, so a logical line is one contiguous slice of the text. Lines are
+// parsed as their ends are found, in one walk; a text without an empty line is refused with
+// the separator error even when a header before it was refused, so a header's error waits
+// until the empty line is found.
 std::size_t parseHead(std::string_view text, std::vector<KNMimeHeader>& headers)
 {
     // A text that opens with a line end has no header block; exactly "\r\n" does not count.
     if (text.size() > crlf.size() && text.substr(0, crlf.size()) == crlf)
         return crlf.size();
-    // The block ends at the first line end followed by another. Walking the line ends to
-    // find it also counts the lines, and a text without one is refused before any header
-    // is parsed.
-    std::size_t lines = 1;
-    std::size_t e = KNMimeScan::findCrlf(text, 0);
-    while (e != text.size() && text.substr(e + crlf.size(), crlf.size()) != crlf) {
-        ++lines;
-        e = KNMimeScan::findCrlf(text, e + crlf.size());
+    headers.reserve(headersGuess);
+    std::exception_ptr refused;
+    std::size_t start = 0;
+    for (std::size_t e = KNMimeScan::findCrlf(text, 0);; e = KNMimeScan::findCrlf(text, e + crlf.size())) {
+        if (e == text.size())
+            KNThrow(KNMimeParseError(KNMessage(knmime_MISSING_HEADER_BODY_SEPARATOR())));
+        const std::size_t next = e + crlf.size();
+        const bool blockEnds = text.substr(next, crlf.size()) == crlf;
+        if (!blockEnds && next < text.size() && KNMimeScan::isBlank(text[next]))
+            continue;
+        if (!refused) {
+            try {
+                headers.push_back(KNMimeHeaderLine::parse(text.substr(start, e - start)));
+            } catch (...) {
+                refused = std::current_exception();
+            }
+        }
+        if (blockEnds) {
+            if (refused)
+                std::rethrow_exception(refused);
+            return next + crlf.size();
+        }
+        start = next;
     }
-    if (e == text.size())
-        KNThrow(KNMimeParseError(KNMessage(knmime_MISSING_HEADER_BODY_SEPARATOR())));
-    headers = parseHeaderBlock(text, e, lines);
-    return e + emptyLine.size();
 }
 
 bool firstContentTypeIsMultipart(const std::vector<KNMimeHeader>& headers)

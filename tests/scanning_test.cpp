@@ -163,6 +163,14 @@ TEST(Scanning, DelimitersAndFoldsAreFoundAtEveryOffset)
 
 TEST(Scanning, HeaderLinesAndTheEmptyLineAreFoundAtEveryOffset)
 {
+    // Without an empty line the separator error wins over a refused header, wherever the
+    // refused line is; with one, the first refused header is reported.
+    const KNCString noColon = "[MISSING_HEADER_SEPARATOR] Unable to separate label from value";
+    for (const char* text : {"junk\r\nA: b\r\n", "A: b\r\njunk\r\n", "A: b\r\n c\r\njunk", "junk\r\n \r\n"})
+        EXPECT_EQ(parsedEntity(text), separatorError) << text;
+    EXPECT_EQ(parsedEntity("A: b\r\njunk\r\nmore junk\r\n\r\nbody"), noColon);
+    EXPECT_EQ(parsedEntity("A: b\r\n c\r\n\r\n"), "A: b c\nbody: ");
+
     // A lone CR or LF, a CR LF pair, a fold or the empty line's first half at every offset
     // of a header line of every interesting length; the naive split must agree, or both
     // must find no empty line.

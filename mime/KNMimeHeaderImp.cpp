@@ -3,6 +3,7 @@
 #include <foundation/KNMessage.h>
 #include <mime/KNMimeError.h>
 #include <mime/KNMimeMessages.h>
+#include <mime/internal/KNMimeHeaderArena.h>
 #include <mime/internal/KNMimeScan.h>
 
 #include <cstddef>
@@ -14,18 +15,31 @@ namespace {
 // Printed lines longer than this are folded.
 constexpr std::size_t foldLimit = 78;
 
+// Bytes a label may not hold: controls, blank, colon and DEL. NUL is among them but ends
+// the check instead, because the label is read as a C string: bytes after an embedded NUL
+// are not examined.
+struct LabelStopTable {
+    bool flags[256] = {};
+
+    constexpr LabelStopTable()
+    {
+        for (int c = 0; c <= ' '; ++c)
+            flags[c] = true;
+        flags[static_cast<unsigned char>(':')] = true;
+        flags[0x7F] = true;
+    }
+};
+
+constexpr LabelStopTable labelStop;
+
 // A printable label is non-empty and free of blanks, colons, control characters and DEL.
-// The label is read as a C string, so bytes after an embedded NUL are not examined.
 bool isPrintableLabel(const KNCString& label) noexcept
 {
     if (label.empty())
         return false;
     for (const char c : label) {
-        const unsigned char byte = static_cast<unsigned char>(c);
-        if (byte == 0)
-            break;
-        if (byte < 0x20 || byte == ' ' || byte == ':' || byte == 0x7F)
-            return false;
+        if (labelStop.flags[static_cast<unsigned char>(c)])
+            return c == '\0';
     }
     return true;
 }
@@ -49,6 +63,16 @@ bool hasLineBreakOutsideFold(std::string_view value) noexcept
 } // namespace
 
 KNMimeHeaderImp::~KNMimeHeaderImp() = default;
+
+void* KNMimeHeaderImp::operator new(std::size_t size)
+{
+    return KNMimeHeaderArena::allocate(size);
+}
+
+void KNMimeHeaderImp::operator delete(void* body, std::size_t size) noexcept
+{
+    KNMimeHeaderArena::release(body, size);
+}
 
 bool KNMimeHeaderImp::compareValueTo(const KNMimeHeaderImp& other) const
 {

@@ -9,6 +9,7 @@
 #include <foundation/KNCString.h>
 #include <foundation/KNExport.h>
 
+#include <cstddef>
 #include <string_view>
 #include <utility>
 
@@ -41,6 +42,16 @@ public:
 
     /// True when the label equals `label` ignoring case; spares searches a copy per header.
     bool hasLabel(std::string_view label) const noexcept { return knEqualsIgnoreCase(label_, label); }
+    /// Bodies made while a message is parsed are placed together in memory the parse's
+    /// headers share, which is freed with the last of them; other bodies get memory of
+    /// their own.
+    ///@{
+    static void* operator new(std::size_t size);
+    static void operator delete(void* body, std::size_t size) noexcept;
+    static void* operator new(std::size_t, void* where) noexcept { return where; }
+    static void operator delete(void*, void*) noexcept {}
+    ///@}
+
     /// "label: value" folded at 78 columns; a label that is empty or holds a blank, colon,
     /// control character or DEL is refused, and so is a value holding a CR or LF that is
     /// not part of a fold (INVALID_VALUE), which would start another header line.

@@ -6,6 +6,7 @@
 #include <mime/KNMimeMessages.h>
 #include <mime/KNMimeStringPartImp.h>
 #include <mime/internal/KNMimeEntityText.h>
+#include <mime/internal/KNMimeHeaderArena.h>
 
 #include <new>
 #include <unordered_set>
@@ -96,6 +97,7 @@ void KNMimeMultipartImp::setBody(const KNCString& body)
 {
     parts_.clear();
     preamble_.clear();
+    const KNMimeHeaderArena::Scope headerMemory;
     KNMimeEntityText::parseMultipartBody(*this, body, 1);
 }
 

@@ -7,6 +7,7 @@
 #include <mime/KNMimeMultipartType.h>
 #include <mime/KNMimeStringPartImp.h>
 #include <mime/internal/KNMimeEntityText.h>
+#include <mime/internal/KNMimeHeaderArena.h>
 
 #include <memory>
 
@@ -44,6 +45,7 @@ void KNMimePart::fromString(const KNCString& text)
     body(); // like every operation, refused on an empty handle
     // A multipart handle must keep a multipart body, whichever static type it is called through.
     const bool multipartHandle = dynamic_cast<const KNMimeMultipart*>(this) != nullptr;
+    const KNMimeHeaderArena::Scope headerMemory;
     const KNMimePart parsed = KNMimeEntityText::parseEntity(text, 0, multipartHandle);
     *this = parsed;
 }

@@ -216,9 +216,9 @@ std::optional<KNMimeHeader> KNMimeFieldReader::read(std::string_view field, cons
     if (isPlainLabel(rawLabel)) {
         try {
             KNMimeHeader header{KNCString(rawLabel)};
-            const KNCString value = KNMimeUtils::unfoldAndTrim(KNCString(field.substr(colon + 1)));
+            KNCString value = KNMimeUtils::unfoldAndTrim(KNCString(field.substr(colon + 1)));
             if (!value.empty()) // an empty value keeps the body's default, as when parsing strictly
-                header.body()->setValueFromString(value);
+                header.body()->takeValueFromString(std::move(value));
             if (prints(header))
                 return header;
         } catch (const KNxmsg&) {

@@ -3,6 +3,7 @@
 #include <foundation/KNMessage.h>
 #include <mail/internal/KNMimeStructureReader.h>
 #include <mime/KNMimeError.h>
+#include <mime/internal/KNMimeHeaderArena.h>
 
 #include <utility>
 
@@ -21,6 +22,8 @@ KNMimeReadResult KNMimeReader::read(std::string_view bytes) const
     if (bytes.size() > maxInputSize_)
         KNThrow(KNMimeError(KNMessage(knmime_INPUT_TOO_LARGE(), bytes.size(), maxInputSize_)));
     KNMimeStructureReader::Output output;
+    // The message's header bodies share memory, as when the strict parser reads.
+    const KNMimeHeaderArena::Scope headerMemory;
     KNMimePart message = KNMimeStructureReader::readStored(
         bytes, [](std::size_t pos) { return pos; }, KNCString(), 0, openAttachedMessages_, output);
     return KNMimeReadResult(std::move(message), std::move(output.entities), std::move(output.defects));

@@ -90,11 +90,10 @@ MediaType mediaTypeOf(const std::vector<KNMimeHeader>& headers, std::size_t cont
     return media;
 }
 
-KNMimePart leafPart(const std::vector<KNMimeHeader>& headers, KNCString body)
+KNMimePart leafPart(std::vector<KNMimeHeader>&& headers, KNCString body)
 {
     KNMimePart part(new KNMimeStringPartImp(std::move(body)));
-    for (const KNMimeHeader& header : headers)
-        part.insertHeader(header);
+    part.body()->adoptHeaders(std::move(headers));
     return part;
 }
 
@@ -270,8 +269,7 @@ KNMimePart KNMimeStructureReader::read(std::size_t start)
         const std::size_t after = nextLine(line);
         if (frame.state == Frame::State::Preamble) {
             KNMimeMultipart multipart;
-            for (const KNMimeHeader& header : frame.headers)
-                multipart.insertHeader(header);
+            multipart.body()->adoptHeaders(std::move(frame.headers));
             if (regionEnd > frame.bodyStart)
                 multipart.setPreamble(copyOut(text_.substr(frame.bodyStart, regionEnd - frame.bodyStart)));
             frame.part = multipart;
@@ -516,7 +514,7 @@ void KNMimeStructureReader::finishLeaf(std::size_t end)
     Leaf leaf = std::move(leaf_.back());
     leaf_.pop_back();
     const std::string_view body = leaf.bodyStart < end ? text_.substr(leaf.bodyStart, end - leaf.bodyStart) : std::string_view();
-    const KNMimePart part = leafPart(leaf.headers, copyOut(body));
+    const KNMimePart part = leafPart(std::move(leaf.headers), copyOut(body));
     deliver(part, leaf.entity, enclosing(frames_.size()));
     if (leaf.attachedMessage && openAttachedMessages_)
         openAttachedMessage(part, body, leaf.bodyStart, leaf.path);
@@ -534,7 +532,7 @@ void KNMimeStructureReader::finishFrame(std::size_t end)
                "boundary \"" + KNMimeFieldReader::excerpt(frame.boundary) + "\" starts no line; read as one leaf");
         const std::string_view body =
             frame.bodyStart < end ? text_.substr(frame.bodyStart, end - frame.bodyStart) : std::string_view();
-        deliver(leafPart(frame.headers, copyOut(body)), frame.entity, enclosing(frames_.size()));
+        deliver(leafPart(std::move(frame.headers), copyOut(body)), frame.entity, enclosing(frames_.size()));
         break;
     }
     case Frame::State::Parts:

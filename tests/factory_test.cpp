@@ -11,7 +11,11 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cctype>
 #include <functional>
+#include <iterator>
+#include <map>
+#include <random>
 #include <thread>
 #include <tuple>
 #include <typeinfo>
@@ -148,6 +152,49 @@ TEST_F(KNMimeHeaderFactoryTest, FirstRegistrationWinsUntilUnsetButTheDefaultIsRe
     EXPECT_THROW(KNMimeHeader("X-Unknown"), KNTHRInvalidPointer); // not std::bad_function_call
     // Content-Description holds a creator of its own, which replacing the default leaves alone.
     EXPECT_TRUE(bodyClass(factory->create("Content-Description")) == typeid(KNMimeUnstructuredHeaderImp));
+}
+
+TEST_F(KNMimeHeaderFactoryTest, LookupsAgreeWithALowerCasedMapOnRandomRegistrations)
+{
+    // Labels of a few lengths sharing first bytes and prefixes, in random case, registered,
+    // looked up and unset at random; a map of lower-cased labels says what must happen.
+    std::mt19937 rng(23);
+    const KNCString stems[] = {"X", "Xa", "XB", "x-a", "X-Ab", "Content", "Content-Typ", "Content-Typf", "content-type2",
+                               "M", "Mime", "mime-versioM", "MIME-Versio", "B", ""};
+    auto spelled = [&](const KNCString& stem) {
+        KNCString s = stem;
+        for (char& c : s)
+            if (rng() % 2)
+                c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        return s;
+    };
+    std::map<KNCString, bool> model; // lower-cased label -> registered by this test
+    for (int step = 0; step < 3000; ++step) {
+        const KNCString& stem = stems[rng() % std::size(stems)];
+        const KNCString label = spelled(stem);
+        switch (rng() % 3) {
+        case 0:
+            factory->setHeaderFunctor(label, &KNMimeStructuredHeaderImp::make);
+            model[knToLower(label)] = true;
+            break;
+        case 1:
+            factory->unsetHeaderFunctor(label);
+            model.erase(knToLower(label));
+            break;
+        default:
+            break;
+        }
+        for (const KNCString& other : stems) {
+            const KNCString probe = spelled(other);
+            const bool registered = model.count(knToLower(probe)) != 0;
+            ASSERT_EQ(factory->contains(probe), registered) << probe << " at step " << step;
+            ASSERT_TRUE(bodyClass(factory->create(probe)) ==
+                        (registered ? typeid(KNMimeStructuredHeaderImp) : typeid(KNMimeUnstructuredHeaderImp)))
+                << probe;
+        }
+    }
+    for (const auto& entry : model)
+        factory->unsetHeaderFunctor(entry.first);
 }
 
 } // namespace

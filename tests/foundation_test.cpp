@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
+
 #include <atomic>
 #include <functional>
 #include <random>
@@ -71,6 +73,23 @@ TEST(KNCStringTest, CaseHelpersAreAsciiOnly)
     EXPECT_FALSE(knEqualsIgnoreCase("\xc3\x89", "\xc3\xa9")); // no locale folding of 8-bit bytes
     EXPECT_EQ(knToLower("MiXeD-\x01\xff Z"), KNCString("mixed-\x01\xff z"));
     EXPECT_EQ(knHash("abc"), knHash(KNCString("abc")));
+    // Equal words are skipped eight bytes at a time: a difference, or only a difference of
+    // case, at every offset of every length up to three words and a tail.
+    for (std::size_t n = 0; n <= 27; ++n) {
+        const KNCString word = KNCString("aB@`zZ[{-_09Qq\x80\xe9").substr(0, 16) + KNCString("Mixed-Label").substr(0, 11);
+        const KNCString a = word.substr(0, n);
+        for (std::size_t at = 0; at < n; ++at) {
+            KNCString caseOnly = a;
+            caseOnly[at] = static_cast<char>(std::isalpha(static_cast<unsigned char>(a[at])) ? a[at] ^ 0x20 : a[at]);
+            EXPECT_TRUE(knEqualsIgnoreCase(a, caseOnly)) << n << ' ' << at;
+            KNCString other = a;
+            other[at] = static_cast<char>(a[at] ^ 0x40); // never only a change of case
+            EXPECT_FALSE(knEqualsIgnoreCase(a, other)) << n << ' ' << at;
+            other = a;
+            other[at] = static_cast<char>(a[at] ^ 0x20); // '@' and '`', '[' and '{' differ
+            EXPECT_EQ(knEqualsIgnoreCase(a, other), std::isalpha(static_cast<unsigned char>(a[at])) != 0) << n << ' ' << at;
+        }
+    }
 }
 
 struct CountedBody : KNBodyBase {

@@ -34,9 +34,7 @@ std::size_t KNMimeEntityParse::findDelimiter(const KNSubstringFinder& delimiter,
                                                                : KNMimeDelimiterIndex::runLimit(text_.size());
         index_ = std::make_unique<KNMimeDelimiterIndex>(text_, maxRuns);
     }
-    if (index_ != nullptr && index_->usable())
-        return index_->find(slice, delimiter.needle(), from);
-    return delimiter.find(slice, from);
+    return index_ != nullptr ? index_->find(slice, delimiter, from) : delimiter.find(slice, from);
 }
 
 void KNMimeEntityParse::appendPart(KNMimeMultipartImp& multipart, const KNMimePart& part)

@@ -29,17 +29,20 @@ constexpr std::size_t noRunLimit = std::numeric_limits<std::size_t>::max();
 TEST(KNMimeDelimiterIndexTest, AgreesWithTheDirectSearchInEverySlice)
 {
     // Mostly dashes, so that runs of every length meet delimiters that start with dashes,
-    // are all dashes, or are prefixes of one another.
-    const std::string alphabet = "----ab\r";
-    const std::vector<std::string> boundaries = {"-", "--", "---", "a", "ab", "-a", "--a", "a-", "a--b", "-a-", "b-"};
+    // are all dashes, or are prefixes of one another; long ones differ from each other only
+    // at their end or inside.
+    const std::vector<std::string> pieces = {"-", "-", "--", "---", "a", "b", "\r", "abcdefgh", "abcdefgx",
+                                             "abcdefghijklmnopqr", "abcdefghijklmnopqx", "abcdefghiXklmnopqr"};
+    const std::vector<std::string> boundaries = {"-",   "--",  "---", "a",        "ab",        "-a",
+                                                 "--a", "a-",  "a--b", "-a-",     "b-",        "abcdefgh",
+                                                 "-abcdefgh", "abcdefghijklmnop", "abcdefghijklmnopqr"};
     std::mt19937 random(20261123);
     for (int round = 0; round < 1500; ++round) {
         std::string text;
-        const std::size_t length = random() % 48;
-        for (std::size_t i = 0; i < length; ++i)
-            text += alphabet[random() % alphabet.size()];
-        const KNMimeDelimiterIndex index(text, noRunLimit);
-        ASSERT_TRUE(index.usable());
+        for (std::size_t count = random() % 24; count > 0; --count)
+            text += pieces[random() % pieces.size()];
+        const std::size_t length = text.size();
+        KNMimeDelimiterIndex index(text, noRunLimit);
         const std::string_view whole(text);
         for (const std::string& boundary : boundaries) {
             const KNSubstringFinder delimiter("--" + boundary);
@@ -48,14 +51,14 @@ TEST(KNMimeDelimiterIndexTest, AgreesWithTheDirectSearchInEverySlice)
                 const std::size_t end = begin + random() % (length - begin + 1);
                 const std::string_view slice = whole.substr(begin, end - begin);
                 for (std::size_t from = 0; from <= slice.size() + 1; ++from)
-                    ASSERT_EQ(index.find(slice, delimiter.needle(), from), delimiter.find(slice, from))
+                    ASSERT_EQ(index.find(slice, delimiter, from), delimiter.find(slice, from))
                         << '"' << text << "\" [" << begin << ',' << end << ") " << delimiter.needle() << " @" << from;
             }
         }
     }
 }
 
-TEST(KNMimeDelimiterIndexTest, GivesUpBeyondItsRunLimit)
+TEST(KNMimeDelimiterIndexTest, SearchesDirectlyOnceTheTextShowsTooManyRuns)
 {
     // 64 bytes keep at most two runs; single dashes are not runs.
     std::string text(64, 'x');
@@ -64,16 +67,28 @@ TEST(KNMimeDelimiterIndexTest, GivesUpBeyondItsRunLimit)
     text.replace(20, 1, "-");
     text.replace(30, 1, "-");
     ASSERT_EQ(KNMimeDelimiterIndex::runLimit(text.size()), 2u);
-    const KNMimeDelimiterIndex two(text, KNMimeDelimiterIndex::runLimit(text.size()));
-    ASSERT_TRUE(two.usable());
-    EXPECT_EQ(two.find(text, "--x", 0), 0u);
-    EXPECT_EQ(two.find(text, "--x", 1), 13u);
-    EXPECT_EQ(two.find(text, "---", 1), 10u);
-    EXPECT_EQ(two.find(text, "---", 13), std::string_view::npos);
+    const KNSubstringFinder x("--x");
+    const KNSubstringFinder y("--y");
+    const KNSubstringFinder dashes("---");
+    KNMimeDelimiterIndex two(text, KNMimeDelimiterIndex::runLimit(text.size()));
+    EXPECT_EQ(two.find(text, x, 0), 0u);
+    EXPECT_EQ(two.find(text, x, 1), 13u);
+    EXPECT_EQ(two.find(text, dashes, 1), 10u);
+    EXPECT_EQ(two.find(text, dashes, 13), std::string_view::npos);
+    EXPECT_EQ(two.find(text, y, 0), std::string_view::npos);
+    EXPECT_TRUE(two.usable());
 
     text.replace(40, 2, "--"); // a third run
-    EXPECT_FALSE(KNMimeDelimiterIndex(text, KNMimeDelimiterIndex::runLimit(text.size())).usable());
-    EXPECT_TRUE(KNMimeDelimiterIndex(text, noRunLimit).usable());
+    KNMimeDelimiterIndex three(text, KNMimeDelimiterIndex::runLimit(text.size()));
+    EXPECT_EQ(three.find(text, x, 1), 13u); // only the first two runs read so far
+    EXPECT_TRUE(three.usable());
+    EXPECT_EQ(three.find(text, y, 0), std::string_view::npos);
+    EXPECT_FALSE(three.usable());
+    EXPECT_EQ(three.find(text, x, 14), 40u);
+    EXPECT_EQ(three.find(std::string_view(text).substr(12, 30), x, 0), 1u);
+    KNMimeDelimiterIndex unlimited(text, noRunLimit);
+    EXPECT_EQ(unlimited.find(text, y, 0), std::string_view::npos);
+    EXPECT_TRUE(unlimited.usable());
 }
 
 // Every byte of a parsed tree: headers, preambles and leaf bodies, each with its length.
@@ -130,8 +145,10 @@ private:
 
     std::string boundary()
     {
-        static const std::vector<std::string> fixed = {"-",  "--",  "---", "a",   "ab",   "abc", "-a",     "--a",
-                                                       "a-", "a-b", "-=-", "=_x", "=_x1", "b",   "=_x1_2", "-ab"};
+        static const std::vector<std::string> fixed = {"-",      "--",   "---",  "a",   "ab",  "abc", "-a",
+                                                       "--a",    "a-",   "a-b",  "-=-", "=_x", "b",   "=_x1",
+                                                       "=_x1_2", "-ab",  "=_level_1_=",   "=_level_12_=",
+                                                       "=_part_0123456789_1", "=_part_0123456789_12"};
         if (chance(75))
             return pick(fixed);
         static const std::string alphabet = "-ab=_";
@@ -146,7 +163,8 @@ private:
     // multipart inside a line.
     std::string junk(const std::vector<std::string>& enclosing)
     {
-        static const std::vector<std::string> pieces = {"word", " ", "-", "--", "---", "-----", "\r\n", "a", "=_x"};
+        static const std::vector<std::string> pieces = {"word", " ", "-", "--", "---", "-----", "\r\n", "a", "=_x",
+                                                        "=_level_1", "=_level_12_", "=_part_0123456789_"};
         std::string text;
         const std::size_t count = random_() % 12;
         for (std::size_t i = 0; i < count; ++i) {

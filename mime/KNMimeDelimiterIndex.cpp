@@ -8,6 +8,9 @@
 
 namespace {
 
+// Room for the runs of a typical message (a few delimiter lines per level) in one allocation.
+constexpr std::size_t initialRuns = 16;
+
 std::uint64_t eightBytesAt(const char* p) noexcept
 {
     std::uint64_t word;
@@ -68,14 +71,14 @@ bool KNMimeDelimiterIndex::recordNextRun()
         scanned_ = std::min(end + 1, n);
         if (end - begin < 2)
             continue;
-        if (ends_.size() == maxRuns_) {
+        if (runs_.size() == maxRuns_) {
             usable_ = false;
-            begins_ = {};
-            ends_ = {};
+            runs_ = {};
             return false;
         }
-        begins_.push_back(begin);
-        ends_.push_back(end);
+        if (runs_.empty())
+            runs_.reserve(initialRuns);
+        runs_.push_back({begin, end});
         return true;
     }
     scanned_ = n;
@@ -101,17 +104,19 @@ std::size_t KNMimeDelimiterIndex::find(std::string_view slice, const KNSubstring
     const RestOfDelimiter rest(needle.substr(dashes));
     const char* data = text_.data();
 
-    std::size_t i = static_cast<std::size_t>(std::lower_bound(ends_.begin(), ends_.end(), lowestEnd) - ends_.begin());
+    const auto endsBefore = [](const Run& run, std::size_t offset) { return run.end < offset; };
+    std::size_t i = static_cast<std::size_t>(std::lower_bound(runs_.begin(), runs_.end(), lowestEnd, endsBefore) -
+                                             runs_.begin());
     for (;;) {
-        const std::size_t* begins = begins_.data();
-        const std::size_t* ends = ends_.data();
-        for (const std::size_t count = ends_.size(); i < count; ++i) {
-            const std::size_t end = ends[i];
+        const Run* runs = runs_.data();
+        for (const std::size_t count = runs_.size(); i < count; ++i) {
+            const std::size_t begin = runs[i].begin;
+            const std::size_t end = runs[i].end;
             if (end < lowestEnd)
                 continue; // only a run just read can lie before the part searched
             if (allDashes) {
                 // The first place in the run from where the delimiter could fit.
-                const std::size_t at = std::max(begins[i], first);
+                const std::size_t at = std::max(begin, first);
                 if (at > last)
                     return std::string_view::npos;
                 if (end - at >= length)
@@ -121,7 +126,7 @@ std::size_t KNMimeDelimiterIndex::find(std::string_view slice, const KNSubstring
                 const std::size_t at = end - dashes;
                 if (at > last)
                     return std::string_view::npos;
-                if (at >= begins[i] && rest.matches(data + end))
+                if (at >= begin && rest.matches(data + end))
                     return at - base;
             }
         }

@@ -2,7 +2,6 @@
 
 #include <foundation/KNSubstringFinder.h>
 #include <mime/KNMimeMultipartImp.h>
-#include <mime/internal/KNMimeDelimiterIndex.h>
 #include <mime/internal/KNMimeEntityText.h>
 
 #include <limits>
@@ -29,12 +28,12 @@ std::size_t KNMimeEntityParse::findDelimiter(const KNSubstringFinder& delimiter,
     // Most mail has one multipart level, searched once: it is not worth an index. Below that
     // level every level would scan the text of all those under it again.
     const bool wanted = search_ == Search::Indexed || (search_ == Search::Nested && level > outermostLevel_);
-    if (wanted && index_ == nullptr) {
+    if (wanted && !index_) {
         const std::size_t maxRuns = search_ == Search::Indexed ? std::numeric_limits<std::size_t>::max()
                                                                : KNMimeDelimiterIndex::runLimit(text_.size());
-        index_ = std::make_unique<KNMimeDelimiterIndex>(text_, maxRuns);
+        index_.emplace(text_, maxRuns);
     }
-    return index_ != nullptr ? index_->find(slice, delimiter, from) : delimiter.find(slice, from);
+    return index_ ? index_->find(slice, delimiter, from) : delimiter.find(slice, from);
 }
 
 void KNMimeEntityParse::appendPart(KNMimeMultipartImp& multipart, const KNMimePart& part)

@@ -42,10 +42,12 @@ private:
     std::string_view text_;
     std::size_t maxRuns_;
     std::size_t scanned_ = 0; // every run starting before this is recorded
-    // Run i covers [begins_[i], ends_[i]) of the text; runs are disjoint and in text order,
-    // so both vectors ascend.
-    std::vector<std::size_t> begins_;
-    std::vector<std::size_t> ends_;
+    // The bytes [begin, end) of the text.
+    struct Run {
+        std::size_t begin;
+        std::size_t end;
+    };
+    std::vector<Run> runs_; // disjoint and in text order
     bool usable_ = true;
 };
 

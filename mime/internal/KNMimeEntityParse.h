@@ -7,12 +7,12 @@
 
 #include <foundation/KNExport.h>
 #include <mime/KNMimePart.h>
+#include <mime/internal/KNMimeDelimiterIndex.h>
 
 #include <cstddef>
-#include <memory>
+#include <optional>
 #include <string_view>
 
-class KNMimeDelimiterIndex;
 class KNMimeMultipartImp;
 class KNSubstringFinder;
 
@@ -57,7 +57,7 @@ private:
     std::string_view text_;
     Search search_;
     unsigned outermostLevel_ = 0; // level of the first multipart that searched; 0 before
-    std::unique_ptr<KNMimeDelimiterIndex> index_; // built when first needed
+    std::optional<KNMimeDelimiterIndex> index_; // made when first needed
 };
 
 #endif

@@ -11,6 +11,7 @@
 #include <mime/KNMimeMultipartImp.h>
 #include <mime/KNMimeMultipartType.h>
 #include <mime/KNMimeStringPartImp.h>
+#include <mime/internal/KNMimeEntityParse.h>
 #include <mime/internal/KNMimeHeaderLine.h>
 #include <mime/internal/KNMimeScan.h>
 
@@ -85,6 +86,13 @@ namespace KNMimeEntityText {
 
 KNMimePart parseEntity(std::string_view text, unsigned enclosingLevels, bool requireMultipart)
 {
+    KNMimeEntityParse parse(text);
+    return parseEntity(text, enclosingLevels, requireMultipart, parse);
+}
+
+KNMimePart parseEntity(std::string_view text, unsigned enclosingLevels, bool requireMultipart,
+                       KNMimeEntityParse& parse)
+{
     std::vector<KNMimeHeader> headers;
     const std::string_view body = text.substr(parseHead(text, headers));
 
@@ -99,18 +107,25 @@ KNMimePart parseEntity(std::string_view text, unsigned enclosingLevels, bool req
         KNThrow(KNMimeParseError(KNMessage(knmime_NESTING_TOO_DEEP(), MaxNesting)));
     auto* multipart = new KNMimeMultipartImp;
     KNMimePart part = adoptHeaders(multipart, headers);
-    parseMultipartBody(*multipart, body, level);
+    parseMultipartBody(*multipart, body, level, parse);
     return part;
 }
 
 void parseMultipartBody(KNMimeMultipartImp& multipart, std::string_view text, unsigned level)
+{
+    KNMimeEntityParse parse(text);
+    parseMultipartBody(multipart, text, level, parse);
+}
+
+void parseMultipartBody(KNMimeMultipartImp& multipart, std::string_view text, unsigned level,
+                        KNMimeEntityParse& parse)
 {
     const KNCString boundary = boundaryOf(multipart);
     const KNSubstringFinder delimiter(KNMimeMultipartImp::boundaryMarker + boundary);
     const std::size_t length = delimiter.needle().size();
     const std::size_t end = text.size();
 
-    std::size_t p = delimiter.find(text);
+    std::size_t p = parse.findDelimiter(delimiter, text, 0, level);
     if (p == std::string_view::npos)
         KNThrow(KNMimeParseError(KNMessage(knmime_MISSING_BOUNDARY(), boundary)));
     // The two characters before the first delimiter are its line end; one lone character
@@ -125,13 +140,13 @@ void parseMultipartBody(KNMimeMultipartImp& multipart, std::string_view text, un
             return; // closing delimiter: an epilogue is ignored
         // The delimiter line's own line end is skipped unchecked.
         const std::size_t start = std::min(afterDelimiter + crlf.size(), end);
-        const std::size_t next = delimiter.find(text, start);
+        const std::size_t next = parse.findDelimiter(delimiter, text, start, level);
         // Without a next delimiter the part runs to the end (closing delimiter missing);
         // otherwise it stops before the line end that precedes the next one.
         std::size_t stop = end;
         if (next != std::string_view::npos)
             stop = next >= start + crlf.size() ? next - crlf.size() : start;
-        multipart.insertPart(parseEntity(text.substr(start, stop - start), level, false));
+        KNMimeEntityParse::appendPart(multipart, parseEntity(text.substr(start, stop - start), level, false, parse));
         if (next == std::string_view::npos)
             return;
         p = next;

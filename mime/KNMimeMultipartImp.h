@@ -70,6 +70,9 @@ protected:
     std::size_t bodySizeHint() const override;
 
 private:
+    // The parser appends the parts it builds without the cycle check.
+    friend class KNMimeEntityParse;
+
     // True when `target` is this body or nested in it at any depth.
     bool contains(const KNMimePartImp& target) const;
     // Throws CYCLIC_PART when `part` holds this body.

@@ -11,6 +11,7 @@
 
 #include <string_view>
 
+class KNMimeEntityParse;
 class KNMimeMultipartImp;
 class KNMimePartImp;
 
@@ -26,10 +27,16 @@ constexpr unsigned MaxNesting = 128;
 // multipart levels around the text. With `requireMultipart`, a text whose first Content-Type
 // is not multipart throws INVALID_MULTIPART_CONVERSION before its body is looked at.
 KNMimePart parseEntity(std::string_view text, unsigned enclosingLevels, bool requireMultipart);
+// The same for a text that is a view into the text of `parse`.
+KNMimePart parseEntity(std::string_view text, unsigned enclosingLevels, bool requireMultipart,
+                       KNMimeEntityParse& parse);
 
 // Parses a multipart body into `multipart` (which must hold no parts yet), whose own level
 // of nesting is `level`; the boundary comes from its Content-Type header.
 void parseMultipartBody(KNMimeMultipartImp& multipart, std::string_view text, unsigned level);
+// The same for a text that is a view into the text of `parse`.
+void parseMultipartBody(KNMimeMultipartImp& multipart, std::string_view text, unsigned level,
+                        KNMimeEntityParse& parse);
 
 // The boundary of the part's first Content-Type header; throws MISSING_HEADER when there is
 // none, the type conversion error when it is not multipart, MISSING_BOUNDARY_PARAMETER when

@@ -12,9 +12,40 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <cstdlib>
+#include <new>
 #include <random>
 #include <thread>
 #include <vector>
+
+// Blocks handed out by operator new and not yet given back, counted for the whole program:
+// a parse and the destruction of what it made must leave the count where it was.
+namespace {
+std::atomic<long> liveBlocks{0};
+}
+
+void* operator new(std::size_t size)
+{
+    void* block = std::malloc(size == 0 ? 1 : size);
+    if (block == nullptr)
+        throw std::bad_alloc();
+    ++liveBlocks;
+    return block;
+}
+
+void operator delete(void* block) noexcept
+{
+    if (block != nullptr) {
+        --liveBlocks;
+        std::free(block);
+    }
+}
+
+void operator delete(void* block, std::size_t) noexcept
+{
+    operator delete(block);
+}
 
 namespace {
 
@@ -59,6 +90,25 @@ TEST(HeaderMemory, HeadersTakenFromAParsedMessageOutliveIt)
     for (std::size_t i = 0; i < kept.size(); ++i)
         EXPECT_EQ(valueOf(kept[i]), expected[i]);
     kept.clear(); // the last bodies of their slabs go now
+}
+
+TEST(HeaderMemory, EverythingAParseMadeIsGivenBack)
+{
+    const long before = liveBlocks;
+    {
+        KNMimePart message;
+        message.fromString(manyHeaders(5000, 3)); // slabs up to their largest size
+        KNMimeHeader kept = message.getHeader(4000);
+        message = KNMimePart();
+        EXPECT_GT(liveBlocks, before); // the kept header's slab
+        EXPECT_EQ(valueOf(kept).substr(0, 6), "value ");
+        KNMimePart failed;
+        KNCString unended = manyHeaders(300, 4);
+        unended.resize(unended.find("\r\n\r\n") + 2); // 300 headers, no empty line
+        EXPECT_THROW(failed.fromString(unended), KNMimeParseError);
+        EXPECT_THROW(failed.fromString("A: b\r\nbad\r\n\r\n"), KNMimeParseError);
+    }
+    EXPECT_EQ(liveBlocks, before);
 }
 
 TEST(HeaderMemory, BodiesOfOneParseAreFreedOnOtherThreads)

@@ -57,6 +57,7 @@ TEST(Lexical, ScannersHonourQuotesAndComments)
     EXPECT_EQ(U::cleanToken("a (unclosed", false), "a");
     EXPECT_EQ(U::cleanToken("\"unclosed \\", true), "unclosed ");
     EXPECT_EQ(U::cleanToken("\"a\\b", true), "ab");          // a quoted pair ending the text
+    EXPECT_EQ(U::cleanToken("\"a\\\"", true), "a\"");       // an escaped quote ending the text
     EXPECT_EQ(U::cleanToken("\"a\\ \"", true), "a ");        // an escaped blank is data too
     EXPECT_EQ(U::cleanToken("\"a \"x ", true), "a x");          // a later plain blank is not
     EXPECT_EQ(U::findDelimiter("abc", '\0'), npos);

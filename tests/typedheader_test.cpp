@@ -9,6 +9,8 @@
 #include <mime/KNMimeContentTypeImp.h>
 #include <mime/KNMimeError.h>
 #include <mime/KNMimeGenericHeader.h>
+#include <mime/KNMimePart.h>
+#include <mime/KNMimeParameterList.h>
 #include <mime/KNMimeVersionHeader.h>
 
 #include <gtest/gtest.h>
@@ -141,3 +143,20 @@ TEST(KNMimeTypedHeaderTest, EachBodyReadsAndComparesItsValueItsOwnWay)
 }
 
 } // namespace
+TEST(KNMimeTypedHeaderTest, AContentTypeBodyOfTheApplicationsOwnClassPrintsItsOwnWay)
+{
+    // Headers print into the entity's buffer, except a content type whose class prints
+    // itself differently: its asString is what the header shows, in a part as alone.
+    struct Shouting : KNMimeContentTypeImp {
+        KNCString asString() const override { return "TEXT/PLAIN"; }
+        Shouting* copy() const override { return new Shouting(*this); }
+    };
+    KNMimeContentTypeHeader header;
+    header.setContentType(KNMimeContentType(new Shouting));
+    EXPECT_EQ(header.asString(), "Content-Type: TEXT/PLAIN");
+    KNMimePart part;
+    part.insertHeader(header);
+    EXPECT_EQ(part.asString(), "Content-Type: TEXT/PLAIN\r\n\r\n");
+    header.setContentType(KNMimeContentType("text", "html", KNMimeParameterList()));
+    EXPECT_EQ(part.asString(), "Content-Type: text/html\r\n\r\n");
+}

@@ -1,6 +1,8 @@
 // Whole entities. A text that parses and prints reads back to the same print (print, parse,
 // print is a fixed point) and to an equal part; a failed parse leaves the handle and its
-// sharers as they were; a successful one leaves the sharers on the old body.
+// sharers as they were; a successful one leaves the sharers on the old body. Finding nested
+// delimiters through the index of dash runs gives the tree, or the error, that searching
+// each multipart's own text gives.
 //
 // Skipped from the fixed point, and counted: a tree in which a nested boundary begins with
 // an enclosing one's (its delimiter lines then also split the enclosing body, as documented),
@@ -11,6 +13,7 @@
 #include "FuzzCheck.h"
 
 #include <mime/KNMime.h>
+#include <mime/internal/KNMimeEntityParse.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -20,6 +23,17 @@
 namespace {
 
 using fuzzcheck::check;
+
+// The printed tree the text parses to with the given way of searching, or the error text.
+std::string parsedWith(const KNCString& text, KNMimeEntityParse::Search search)
+{
+    try {
+        KNMimeEntityParse parse(text, search);
+        return "tree: " + parse.entity(false).asString();
+    } catch (const KNxmsg& e) {
+        return "error: " + e.why();
+    }
+}
 using fuzzcheck::skip;
 
 const KNCString keptText = "Content-Type: multipart/mixed; boundary=\"k\"\r\n\r\npre\r\n--k\r\nX-A: 1\r\n\r\nkept\r\n--k--\r\n";
@@ -120,6 +134,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         check("failed parse leaves the multipart handle",
               keptMultipart.sharesBodyWith(sharer) && keptMultipart.asString() == keptText, [&] { return text; });
     }
+    const std::string direct = parsedWith(text, KNMimeEntityParse::Search::Direct);
+    check("indexed delimiter search agrees with the direct one",
+          parsedWith(text, KNMimeEntityParse::Search::Nested) == direct &&
+              parsedWith(text, KNMimeEntityParse::Search::Indexed) == direct,
+          [&] { return text; });
     if (parsed)
         checkFixedPoint(text, kept);
     return 0;

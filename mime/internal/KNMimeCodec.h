@@ -184,15 +184,16 @@ inline constexpr HexValueTable hexValues;
 
 // --- base64 --------------------------------------------------------------------------------
 
-// Twelve bits to their two base64 characters, the first in the high byte.
+// Twelve bits to their two base64 characters.
 struct Base64PairTable {
-    std::uint16_t pairs[4096] = {};
+    char pairs[4096][2] = {};
 
     constexpr Base64PairTable()
     {
-        for (unsigned v = 0; v < 4096; ++v)
-            pairs[v] = static_cast<std::uint16_t>(static_cast<unsigned char>(base64Alphabet[v >> 6]) << 8
-                                                  | static_cast<unsigned char>(base64Alphabet[v & 0x3F]));
+        for (unsigned v = 0; v < 4096; ++v) {
+            pairs[v][0] = base64Alphabet[v >> 6];
+            pairs[v][1] = base64Alphabet[v & 0x3F];
+        }
     }
 };
 
@@ -230,9 +231,11 @@ inline char* encodeBase64Lines(char* w, const unsigned char* p, std::size_t line
     for (; lines != 0; --lines) {
         // Six bytes to eight characters, in nine steps a line.
         for (int k = 0; k < 9; ++k, p += 6, w += 8) {
-            const std::uint64_t v = loadBE64(p) >> 16;
-            storeBE64(w, std::uint64_t{pairs[v >> 36]} << 48 | std::uint64_t{pairs[(v >> 24) & 0xFFF]} << 32
-                             | std::uint64_t{pairs[(v >> 12) & 0xFFF]} << 16 | pairs[v & 0xFFF]);
+            const std::uint64_t v = loadBE64(p);
+            std::memcpy(w, pairs[v >> 52], 2);
+            std::memcpy(w + 2, pairs[(v >> 40) & 0xFFF], 2);
+            std::memcpy(w + 4, pairs[(v >> 28) & 0xFFF], 2);
+            std::memcpy(w + 6, pairs[(v >> 16) & 0xFFF], 2);
         }
         *w++ = '\r';
         *w++ = '\n';

@@ -99,12 +99,12 @@ void readQuotedPrintableContent(std::string_view text, std::size_t i, std::size_
 {
     const auto* const p = reinterpret_cast<const unsigned char*>(text.data());
     const auto* const hex = KNMimeCodec::hexValues.values;
-    // 64 bytes at a time while 80 are left in the text, so that the short copies and the
+    // 64 bytes at a time while 64 + copySlack are left in the text, so that the short copies and the
     // escapes read inside it: runs between the '=' are copied whole.
-    while (contentEnd - i >= 3 && text.size() - i >= 80) {
+    while (contentEnd - i >= 3 && text.size() - i >= 64 + KNMimeCodec::copySlack) {
         const unsigned char* const b = p + i;
         const std::size_t length = std::min<std::size_t>(64, contentEnd - i);
-        char* w = out.room(64 + 32);
+        char* w = out.room(64 + 2 * KNMimeCodec::copySlack);
         std::uint64_t marks = KNMimeCodec::positionsOf(b, '=');
         if (length < 64)
             marks &= (std::uint64_t{1} << length) - 1;
@@ -264,8 +264,9 @@ KNCString KNMimeBodyDecoder::decodeBase64(std::string_view text)
 KNCString KNMimeBodyDecoder::decodeQuotedPrintable(std::string_view text)
 {
     KNCString out;
-    // Every line decodes to at most as many bytes as it has.
-    KNMimeCodec::KNMimeCodecOutput o(out, text.size() + 16);
+    // Every line decodes to at most as many bytes as it has; the blocks ask for room for
+    // their short copies on top.
+    KNMimeCodec::KNMimeCodecOutput o(out, text.size() + 64 + 2 * KNMimeCodec::copySlack);
     readQuotedPrintable(text, o);
     o.finish();
     return out;

@@ -240,16 +240,17 @@ KNCString decodeQuotedPrintableView(std::string_view text, bool stripTrailingWhi
     const auto* const p = reinterpret_cast<const unsigned char*>(text.data());
     const auto* const hex = KNMimeCodec::hexValues.values;
     KNCString out;
-    // Every piece of the text decodes to at most as many bytes as it has.
-    KNMimeCodecOutput o(out, n + 16);
+    // Every piece of the text decodes to at most as many bytes as it has; the blocks below
+    // ask for room for their short copies on top.
+    KNMimeCodecOutput o(out, n + 64 + 2 * KNMimeCodec::copySlack);
     bool atLineStart = true;
     std::size_t i = 0;
-    // 64 bytes at a time while 80 are left, so that the short copies and the escapes begun
+    // 64 bytes at a time while 64 + copySlack are left, so that the short copies and the escapes begun
     // in the block read inside the text: runs between the bytes that need a look ('=', and
     // CR when line ends matter) are copied whole.
-    while (n - i >= 80) {
+    while (n - i >= 64 + KNMimeCodec::copySlack) {
         const unsigned char* const b = p + i;
-        char* w = o.room(64 + 32);
+        char* w = o.room(64 + 2 * KNMimeCodec::copySlack);
         std::uint64_t marks = positionsOf(b, '=') | (stripTrailingWhitespace ? positionsOf(b, '\r') : 0);
         std::size_t at = 0;
         // Branches rather than selects below: the usual case is predicted, and the next
@@ -675,13 +676,13 @@ KNCString KNMimeUtils::encodeQuotedPrintable(const KNCString& data)
         return w + 2;
     };
     std::size_t i = 0;
-    // 64 bytes at a time while 80 are left, so that the short copies read inside the data:
+    // 64 bytes at a time while 64 + copySlack are left, so that the short copies read inside the data:
     // the runs of literal bytes between the others are copied whole, cut by soft breaks where
     // the line is full.
-    while (n - i >= 80) {
+    while (n - i >= 64 + KNMimeCodec::copySlack) {
         const unsigned char* const b = p + i;
         // 64 escapes and a soft break every 24 of them at most, and the short copies' slack.
-        char* w = o.room(3 * 64 + 3 * 4 + 32);
+        char* w = o.room(3 * 64 + 3 * 4 + KNMimeCodec::copySlack);
         std::uint64_t special = qpSpecialPositions(b);
         std::size_t at = 0;
         for (;;) {

@@ -250,13 +250,7 @@ KNCString KNMimeBodyDecoder::decodeBase64(std::string_view text)
     }
     // A final incomplete group: two characters hold one byte, three hold two.
     auto* w = reinterpret_cast<unsigned char*>(o.room(2));
-    if (count == 2) {
-        *w++ = static_cast<unsigned char>(acc >> 4);
-    } else if (count == 3) {
-        *w++ = static_cast<unsigned char>(acc >> 10);
-        *w++ = static_cast<unsigned char>(acc >> 2);
-    }
-    o.advance(reinterpret_cast<char*>(w));
+    o.advance(reinterpret_cast<char*>(KNMimeCodec::writeBase64Rest(w, acc, count)));
     o.finish();
     return out;
 }

@@ -191,18 +191,6 @@ void appendBase64(KNCString& out, std::string_view data)
     writeBase64(out.data() + at, data);
 }
 
-// The last group of a base64 text: two values give one byte, three give two, one nothing.
-unsigned char* writeBase64Rest(unsigned char* w, std::uint32_t acc, unsigned count) noexcept
-{
-    if (count == 2) {
-        *w++ = static_cast<unsigned char>(acc >> 4);
-    } else if (count == 3) {
-        *w++ = static_cast<unsigned char>(acc >> 10);
-        *w++ = static_cast<unsigned char>(acc >> 2);
-    }
-    return w;
-}
-
 // --- quoted-printable ----------------------------------------------------------------
 
 // Writes the soft line break '=' CR LF.
@@ -212,16 +200,6 @@ char* softBreak(char* w) noexcept
     w[1] = '\r';
     w[2] = '\n';
     return w + 3;
-}
-
-// Whether any of the eight bytes of `word` is `c`, that is whether a byte of word ^ c is
-// zero: the lowest zero byte is the first to turn its top bit on when one is subtracted from
-// every byte, and a byte whose top bit was already on is masked out.
-constexpr bool hasByte(std::uint64_t word, unsigned char c) noexcept
-{
-    constexpr std::uint64_t ones = 0x0101010101010101u;
-    const std::uint64_t v = word ^ (ones * c);
-    return ((v - ones) & ~v & (ones << 7)) != 0;
 }
 
 // Drops the blanks and tabs at the end of the output written so far in [begin, w).
@@ -245,9 +223,9 @@ KNCString decodeQuotedPrintableView(std::string_view text, bool stripTrailingWhi
     KNMimeCodecOutput o(out, n + 64 + 2 * KNMimeCodec::copySlack);
     bool atLineStart = true;
     std::size_t i = 0;
-    // 64 bytes at a time while 64 + copySlack are left, so that the short copies and the escapes begun
-    // in the block read inside the text: runs between the bytes that need a look ('=', and
-    // CR when line ends matter) are copied whole.
+    // 64 bytes at a time while 64 + copySlack are left, so that the short copies and the
+    // escapes begun in the block read inside the text: runs between the bytes that need a
+    // look ('=', and CR when line ends matter) are copied whole.
     while (n - i >= 64 + KNMimeCodec::copySlack) {
         const unsigned char* const b = p + i;
         char* w = o.room(64 + 2 * KNMimeCodec::copySlack);
@@ -576,22 +554,21 @@ KNCString KNMimeUtils::getUniqueBoundary()
 KNCString KNMimeUtils::encodeBase64(const KNCString& data)
 {
     constexpr std::size_t blockLines = 64;
-    const auto* p = reinterpret_cast<const unsigned char*>(data.data());
     const std::size_t n = data.size();
     KNCString out;
     KNMimeCodecOutput o(out, base64EncodedSize(n));
     // Whole lines eight characters at a time, as long as two bytes follow the line for the
     // wide reads of its last step; the rest a group at a time.
-    std::size_t wideLines = n >= 2 ? (n - 2) / base64LineBytes : 0;
-    while (wideLines != 0) {
+    std::size_t done = 0;
+    for (std::size_t wideLines = n >= 2 ? (n - 2) / base64LineBytes : 0; wideLines != 0;) {
         const std::size_t lines = std::min(wideLines, blockLines);
-        o.advance(KNMimeCodec::encodeBase64Lines(o.room(lines * 74), p, lines));
-        p += lines * base64LineBytes;
+        const auto* p = reinterpret_cast<const unsigned char*>(data.data() + done);
+        o.advance(KNMimeCodec::encodeBase64Lines(o.room(base64EncodedSize(lines * base64LineBytes)), p, lines));
+        done += lines * base64LineBytes;
         wideLines -= lines;
     }
-    const std::string_view rest(reinterpret_cast<const char*>(p), n - static_cast<std::size_t>(p - reinterpret_cast<const unsigned char*>(data.data())));
-    const std::size_t restSize = base64EncodedSize(rest.size());
-    o.advance(writeBase64(o.room(restSize), rest));
+    const std::string_view rest = std::string_view(data).substr(done);
+    o.advance(writeBase64(o.room(base64EncodedSize(rest.size())), rest));
     o.finish();
     return out;
 }
@@ -623,7 +600,7 @@ KNCString KNMimeUtils::decodeBase64(const KNCString& text)
             }
             const unsigned char v = table[p[i]];
             if (v == base64Invalid)
-                KNMimeCodec::Plain::throwInvalidBase64(text[i]);
+                KNMimeCodec::throwInvalidBase64(text[i]);
             ++i;
             if (v == base64Skip)
                 continue;
@@ -640,7 +617,7 @@ KNCString KNMimeUtils::decodeBase64(const KNCString& text)
         o.advance(reinterpret_cast<char*>(w));
     }
     auto* w = reinterpret_cast<unsigned char*>(o.room(2));
-    o.advance(reinterpret_cast<char*>(writeBase64Rest(w, acc, count)));
+    o.advance(reinterpret_cast<char*>(KNMimeCodec::writeBase64Rest(w, acc, count)));
     o.finish();
     return out;
 }
@@ -676,9 +653,9 @@ KNCString KNMimeUtils::encodeQuotedPrintable(const KNCString& data)
         return w + 2;
     };
     std::size_t i = 0;
-    // 64 bytes at a time while 64 + copySlack are left, so that the short copies read inside the data:
-    // the runs of literal bytes between the others are copied whole, cut by soft breaks where
-    // the line is full.
+    // 64 bytes at a time while 64 + copySlack are left, so that the short copies read inside
+    // the data: the runs of literal bytes between the others are copied whole, cut by soft
+    // breaks where the line is full.
     while (n - i >= 64 + KNMimeCodec::copySlack) {
         const unsigned char* const b = p + i;
         // 64 escapes and a soft break every 24 of them at most, and the short copies' slack.

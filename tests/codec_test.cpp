@@ -166,6 +166,14 @@ TEST(QuotedPrintableCodec, DecodingMatchesThePlainFormForEveryCharacterAtEveryOf
             expectSameQpDecoding(inserted);
         }
     }
+    // Blanks (written or escaped) before line ends, in runs longer than a block.
+    for (const std::size_t run : {1u, 63u, 64u, 65u, 150u}) {
+        const KNCString blanks(run, ' ');
+        for (const KNCString& tail : {"\r\n"s, "=\r\n"s, "=20\r\n"s, "\t=20 \r\nx"s, ""s, "\n"s, "="s}) {
+            expectSameQpDecoding("a" + blanks + tail + blanks + "b" + tail);
+            expectSameQpDecoding(KNCString(run, 'x') + "=20" + blanks + tail + KNCString(100, 'y') + blanks);
+        }
+    }
     // Random texts with many escapes, good and bad, blanks and line ends of every kind.
     const std::vector<KNCString> alphabets = {
         "abc=", "ab=3D4f\r\n", "a =\r\n\t", "=0123456789ABCDEFabcdefg", "x \t=\r\n\r\n==", "ab\n=\n \r",

@@ -151,12 +151,6 @@ inline unsigned lowestBit(std::uint64_t mask) noexcept
 #endif
 }
 
-// The mask without the bits below `k` (k <= 64 + 2).
-inline std::uint64_t bitsFrom(std::uint64_t mask, std::size_t k) noexcept
-{
-    return k >= 64 ? 0 : mask & (~std::uint64_t{0} << k);
-}
-
 // Bytes copyShort may read and write past the ones it copies.
 constexpr std::size_t copySlack = 32;
 
@@ -269,16 +263,30 @@ inline std::size_t decodeBase64Plain(const unsigned char* p, std::size_t i, std:
     return i;
 }
 
-// --- the plain codecs -----------------------------------------------------------------------
-// One character at a time, as simply as the rules can be written down.
+// The bytes of the last, incomplete group of a base64 text, its `count` values in `acc`:
+// two values give one byte, three give two, one nothing.
+inline unsigned char* writeBase64Rest(unsigned char* w, std::uint32_t acc, unsigned count) noexcept
+{
+    if (count == 2) {
+        *w++ = static_cast<unsigned char>(acc >> 4);
+    } else if (count == 3) {
+        *w++ = static_cast<unsigned char>(acc >> 10);
+        *w++ = static_cast<unsigned char>(acc >> 2);
+    }
+    return w;
+}
 
-namespace Plain {
-
+// The error of strict base64 decoding for a byte outside the alphabet.
 [[noreturn]] inline void throwInvalidBase64(char c)
 {
     KNThrow(KNMimeParseError(
         KNMessage(knmime_INVALID_BASE64_CHAR(), static_cast<int>(static_cast<unsigned char>(c)))));
 }
+
+// --- the plain codecs -----------------------------------------------------------------------
+// One character at a time, as simply as the rules can be written down.
+
+namespace Plain {
 
 inline int base64Value(char c) noexcept
 {

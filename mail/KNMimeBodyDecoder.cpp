@@ -4,8 +4,8 @@
 #include <mail/KNMimeExtendedParameters.h>
 #include <mail/KNMimeMessageView.h>
 #include <mail/internal/KNMimeMailScan.h>
-#include <mime/internal/KNMimeCodec.h>
 #include <mime/KNMimePart.h>
+#include <mime/internal/KNMimeCodec.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -72,7 +72,8 @@ KNCString squeezedName(std::string_view name)
 }
 
 // Counts the bytes a decoder would write, for a decoded size without the decoded copy: the
-// decoder writes them into a small scratch buffer, written over again and again.
+// decoder writes them into a small scratch buffer, written over again and again (it asks
+// for at most 128 bytes of room at a time).
 class ByteCount {
 public:
     char* room(std::size_t n)
@@ -99,8 +100,8 @@ void readQuotedPrintableContent(std::string_view text, std::size_t i, std::size_
 {
     const auto* const p = reinterpret_cast<const unsigned char*>(text.data());
     const auto* const hex = KNMimeCodec::hexValues.values;
-    // 64 bytes at a time while 64 + copySlack are left in the text, so that the short copies and the
-    // escapes read inside it: runs between the '=' are copied whole.
+    // 64 bytes at a time while 64 + copySlack are left in the text, so that the short copies
+    // and the escapes read inside it: runs between the '=' are copied whole.
     while (contentEnd - i >= 3 && text.size() - i >= 64 + KNMimeCodec::copySlack) {
         const unsigned char* const b = p + i;
         const std::size_t length = std::min<std::size_t>(64, contentEnd - i);

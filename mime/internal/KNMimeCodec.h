@@ -3,9 +3,10 @@
 
 // Building blocks of the body codecs (base64, quoted-printable) that the strict codecs of
 // KNMimeUtils and the forgiving decoders of KNMimeBodyDecoder share: an output written through
-// a raw pointer, big-endian word access, the base64 tables and the wide base64 steps. Beside
-// them, the plain one-character-at-a-time codecs (namespace KNMimeCodec::Plain) that say what
-// the wide ones must give, for every input; the test suite compares the two. Not installed.
+// a raw pointer, big-endian word access, the scan of 64-byte blocks for the bytes that need a
+// look, the base64 tables and the wide base64 steps. Beside them, the plain
+// one-character-at-a-time codecs (namespace KNMimeCodec::Plain) that say what the wide ones
+// must give, for every input; the test suite compares the two. Not installed.
 
 #include <foundation/KNCString.h>
 #include <mime/KNMimeError.h>

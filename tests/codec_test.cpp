@@ -108,6 +108,16 @@ TEST(Base64Codec, DecodingMatchesThePlainFormForEveryCharacterAtEveryOffset)
             }
         }
     }
+    // Line breaks of every shape at every offset of a clean text, alone and beside an odd byte.
+    const KNCString clean = drawn(rng, 100, base64Chars);
+    for (std::size_t at = 0; at <= clean.size(); ++at) {
+        for (const KNCString& breaks : {"\r\n"s, "\r\n\r\n"s, "\n\r"s, "\r\r\n"s, "\r\n="s, "\r\n."s}) {
+            KNCString text = clean;
+            text.insert(at, breaks);
+            expectSameBase64Decoding(text);
+            expectSameBase64Decoding(text + "\r\n" + text);
+        }
+    }
     // Random texts of the alphabet with some line breaks, padding and bad bytes mixed in.
     const KNCString mostly = base64Chars + base64Chars + base64Chars + "\r\n";
     for (const std::size_t n : lengths()) {

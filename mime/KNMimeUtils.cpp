@@ -237,10 +237,8 @@ KNCString decodeQuotedPrintableView(std::string_view text, bool stripTrailingWhi
             const std::size_t k = KNMimeCodec::lowestBit(marks);
             if (k < at)
                 continue; // read as part of the escape before
-            if (k != at) {
-                w = copyShort(w, b + at, k - at);
-                atLineStart = false;
-            }
+            w = copyShort(w, b + at, k - at); // no branch on an empty run
+            atLineStart = atLineStart && k == at;
             if (b[k] == '=') {
                 const unsigned high = hex[b[k + 1]];
                 const unsigned low = hex[b[k + 2]];

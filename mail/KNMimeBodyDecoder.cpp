@@ -5,6 +5,7 @@
 #include <mail/KNMimeMessageView.h>
 #include <mail/internal/KNMimeMailScan.h>
 #include <mime/KNMimePart.h>
+#include <mime/internal/KNMimeCodec.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -70,30 +71,90 @@ KNCString squeezedName(std::string_view name)
     return out;
 }
 
-// Counts the bytes a decoder would write, for a decoded size without the decoded copy.
-struct ByteCount {
-    std::size_t size = 0;
-    void append(const char*, std::size_t n) { size += n; }
-    ByteCount& operator+=(char)
+// Counts the bytes a decoder would write, for a decoded size without the decoded copy: the
+// decoder writes them into a small scratch buffer, written over again and again (it asks
+// for at most 128 bytes of room at a time).
+class ByteCount {
+public:
+    char* room(std::size_t n)
     {
-        ++size;
-        return *this;
+        if (n > sizeof(scratch_) - used_) {
+            counted_ += used_;
+            used_ = 0;
+        }
+        return scratch_ + used_;
     }
+    void advance(char* w) noexcept { used_ = static_cast<std::size_t>(w - scratch_); }
+    std::size_t size() const noexcept { return counted_ + used_; }
+
+private:
+    char scratch_[512];
+    std::size_t used_ = 0;
+    std::size_t counted_ = 0;
 };
 
-// Decodes quoted-printable `text` into `out`, which takes runs of bytes (append) and single
-// bytes (+=): a string for the decoded bytes, or a count of them.
+// Decodes the escapes of a line's content [i, contentEnd) of `text` into `out`, which hands
+// out room (room/advance): a string for the decoded bytes, or a count of them.
+template <class Out>
+void readQuotedPrintableContent(std::string_view text, std::size_t i, std::size_t contentEnd, Out& out)
+{
+    const auto* const p = reinterpret_cast<const unsigned char*>(text.data());
+    const auto* const hex = KNMimeCodec::hexValues.values;
+    // 64 bytes at a time while 64 + copySlack are left in the text, so that the short copies
+    // and the escapes read inside it: runs between the '=' are copied whole.
+    while (contentEnd - i >= 3 && text.size() - i >= 64 + KNMimeCodec::copySlack) {
+        const unsigned char* const b = p + i;
+        const std::size_t length = std::min<std::size_t>(64, contentEnd - i);
+        char* w = out.room(64 + 2 * KNMimeCodec::copySlack);
+        std::uint64_t marks = KNMimeCodec::positionsOf(b, '=');
+        if (length < 64)
+            marks &= (std::uint64_t{1} << length) - 1;
+        std::size_t at = 0;
+        // Branches rather than selects: the usual valid escape is predicted, and the next
+        // one does not wait for the digits of this one to be read.
+        for (; marks != 0; marks &= marks - 1) {
+            const std::size_t k = KNMimeCodec::lowestBit(marks);
+            if (k < at)
+                continue; // a digit of the escape before
+            w = KNMimeCodec::copyShort(w, b + at, k - at);
+            const unsigned high = hex[b[k + 1]];
+            const unsigned low = hex[b[k + 2]];
+            if ((high | low) < 16 && k + 3 <= contentEnd - i) {
+                *w++ = static_cast<char>(high << 4 | low);
+                at = k + 3;
+            } else {
+                *w++ = '='; // an invalid escape stays as it stands
+                at = k + 1;
+            }
+        }
+        if (at < length) {
+            w = KNMimeCodec::copyShort(w, b + at, length - at);
+            at = length;
+        }
+        i += at;
+        out.advance(w);
+    }
+    // The rest a character at a time.
+    char* w = out.room(contentEnd - i);
+    while (i < contentEnd) {
+        const unsigned high = contentEnd - i >= 3 && p[i] == '=' ? hex[p[i + 1]] : 0xFF;
+        const unsigned low = high < 16 ? hex[p[i + 2]] : 0xFF;
+        if ((high | low) < 16) {
+            *w++ = static_cast<char>(high << 4 | low);
+            i += 3;
+        } else {
+            *w++ = static_cast<char>(p[i++]); // an invalid escape stays as it stands
+        }
+    }
+    out.advance(w);
+}
+
+// Decodes quoted-printable `text` into `out` (see readQuotedPrintableContent), a line at a
+// time: blanks at a line end are dropped, and an '=' ending the line makes it a soft break.
 template <class Out>
 void readQuotedPrintable(std::string_view text, Out& out)
 {
-    // The next '=' (or the end): searched in the rest of the text, not line by line, so that
-    // a text with few escapes costs one search for each line end and few more.
-    auto findEq = [text](std::size_t from) {
-        const void* found = std::memchr(text.data() + from, '=', text.size() - from);
-        return found == nullptr ? text.size() : static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
-    };
     std::size_t pos = 0;
-    std::size_t nextEq = findEq(0);
     while (pos < text.size()) {
         std::size_t lineEnd = text.find('\n', pos);
         const bool hasBreak = lineEnd != std::string_view::npos;
@@ -108,25 +169,14 @@ void readQuotedPrintable(std::string_view text, Out& out)
         const bool softBreak = contentEnd > pos && text[contentEnd - 1] == '=';
         if (softBreak)
             --contentEnd;
-        for (std::size_t i = pos; i < contentEnd;) {
-            if (nextEq < i)
-                nextEq = findEq(i);
-            const std::size_t eq = std::min(nextEq, contentEnd);
-            out.append(text.data() + i, eq - i);
-            if (eq == contentEnd)
-                break;
-            const int hi = contentEnd - eq >= 3 ? knHexDigitValue(text[eq + 1]) : -1;
-            const int lo = contentEnd - eq >= 3 ? knHexDigitValue(text[eq + 2]) : -1;
-            if (hi >= 0 && lo >= 0) {
-                out += static_cast<char>(hi << 4 | lo);
-                i = eq + 3;
-            } else {
-                out += '='; // an invalid escape stays as it stands
-                i = eq + 1;
-            }
+        readQuotedPrintableContent(text, pos, contentEnd, out);
+        if (hasBreak && !softBreak) {
+            char* w = out.room(2);
+            if (crlf)
+                *w++ = '\r';
+            *w++ = '\n';
+            out.advance(w);
         }
-        if (hasBreak && !softBreak)
-            out.append(crlf ? "\r\n" : "\n", crlf ? 2 : 1);
         pos = hasBreak ? lineEnd + 1 : text.size();
     }
 }
@@ -158,63 +208,62 @@ KNMimeBodyDecoder::Encoding KNMimeBodyDecoder::encodingByName(std::string_view n
 
 KNCString KNMimeBodyDecoder::decodeBase64(std::string_view text)
 {
+    constexpr std::size_t block = 16384;
     const auto* p = reinterpret_cast<const unsigned char*>(text.data());
     const std::size_t end = text.size();
     const auto* const table = base64.values;
     KNCString out;
-    out.resize(end / 4 * 3 + 3);
-    auto* const begin = reinterpret_cast<unsigned char*>(out.data());
-    unsigned char* w = begin;
+    KNMimeCodec::KNMimeCodecOutput o(out, end / 4 * 3 + 16);
     std::uint32_t acc = 0;
     unsigned count = 0;
     std::size_t i = 0;
-    while (i < end) {
-        if (count == 0) {
-            // Whole groups of four alphabet characters, the common case.
-            for (; end - i >= 4; i += 4) {
-                const unsigned a = table[p[i]], b = table[p[i + 1]], c = table[p[i + 2]], d = table[p[i + 3]];
-                if ((a | b | c | d) & 0xC0)
+    bool padded = false;
+    while (i < end && !padded) {
+        // A block at a time: its groups, and those begun before it, give at most 3 bytes for
+        // every 4 characters plus 3, and the wide steps write 2 bytes past their own.
+        const std::size_t stop = std::min(end, i + block);
+        auto* w = reinterpret_cast<unsigned char*>(o.room((stop - i) / 4 * 3 + 8));
+        while (i < stop) {
+            if (count == 0) {
+                // Whole groups of alphabet characters, the common case.
+                i = KNMimeCodec::decodeBase64Plain(p, i, stop, w);
+                if (i == stop)
                     break;
-                const std::uint32_t v = a << 18 | b << 12 | c << 6 | d;
-                w[0] = static_cast<unsigned char>(v >> 16);
-                w[1] = static_cast<unsigned char>(v >> 8);
-                w[2] = static_cast<unsigned char>(v);
-                w += 3;
             }
-            if (i == end)
+            const unsigned char v = table[p[i++]];
+            if (v == base64Pad) {
+                padded = true;
                 break;
+            }
+            if (v == base64Skip)
+                continue;
+            acc = acc << 6 | v;
+            if (++count == 4) {
+                w[0] = static_cast<unsigned char>(acc >> 16);
+                w[1] = static_cast<unsigned char>(acc >> 8);
+                w[2] = static_cast<unsigned char>(acc);
+                w += 3;
+                acc = 0;
+                count = 0;
+            }
         }
-        const unsigned char v = table[p[i++]];
-        if (v == base64Pad)
-            break;
-        if (v == base64Skip)
-            continue;
-        acc = acc << 6 | v;
-        if (++count == 4) {
-            w[0] = static_cast<unsigned char>(acc >> 16);
-            w[1] = static_cast<unsigned char>(acc >> 8);
-            w[2] = static_cast<unsigned char>(acc);
-            w += 3;
-            acc = 0;
-            count = 0;
-        }
+        o.advance(reinterpret_cast<char*>(w));
     }
     // A final incomplete group: two characters hold one byte, three hold two.
-    if (count == 2) {
-        *w++ = static_cast<unsigned char>(acc >> 4);
-    } else if (count == 3) {
-        *w++ = static_cast<unsigned char>(acc >> 10);
-        *w++ = static_cast<unsigned char>(acc >> 2);
-    }
-    out.resize(static_cast<std::size_t>(w - begin));
+    auto* w = reinterpret_cast<unsigned char*>(o.room(2));
+    o.advance(reinterpret_cast<char*>(KNMimeCodec::writeBase64Rest(w, acc, count)));
+    o.finish();
     return out;
 }
 
 KNCString KNMimeBodyDecoder::decodeQuotedPrintable(std::string_view text)
 {
     KNCString out;
-    out.reserve(text.size());
-    readQuotedPrintable(text, out);
+    // Every line decodes to at most as many bytes as it has; the blocks ask for room for
+    // their short copies on top.
+    KNMimeCodec::KNMimeCodecOutput o(out, text.size() + 64 + 2 * KNMimeCodec::copySlack);
+    readQuotedPrintable(text, o);
+    o.finish();
     return out;
 }
 
@@ -311,7 +360,7 @@ std::size_t KNMimeBodyDecoder::decodedSize(std::string_view body, std::string_vi
         }
         ByteCount count;
         readQuotedPrintable(body, count);
-        return count.size;
+        return count.size();
     }
     default:
         return decode(body, encodingName).data.size();

@@ -2,6 +2,7 @@
 
 #include <mime/KNMimeError.h>
 #include <mime/KNMimeMessages.h>
+#include <mime/internal/KNMimeCodec.h>
 #include <mime/internal/KNMimeScan.h>
 
 #include <algorithm>
@@ -13,21 +14,25 @@
 #include <cstring>
 #include <string_view>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace {
 
 using KNMimeScan::isBlank;
 using KNMimeScan::isWhitespace;
 
-constexpr std::size_t base64LineBytes = 54; // input bytes per 72-character line
-constexpr std::size_t qpLineLimit = 74;     // characters per line before the soft break
+using KNMimeCodec::base64Alphabet;
+using KNMimeCodec::base64LineBytes;
+using KNMimeCodec::qpLineLimit;
+
 constexpr std::size_t encodedWordLimit = 75;
 
 constexpr char decToHex(unsigned c) noexcept
 {
-    return "0123456789ABCDEF"[c & 0x0F];
+    return KNMimeCodec::hexDigit(c);
 }
-
-constexpr char base64Alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 // Byte to 6-bit value; line breaks are skipped, everything else is refused.
 constexpr unsigned char base64Skip = 0x80;
@@ -66,28 +71,49 @@ struct ByteSet {
 constexpr ByteSet qpLiteral(
     " \t%&'()*+,-./0123456789:;<>?ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz");
 
-// The quoted-printable form of every byte outside a CR LF pair: the byte itself, or '='
-// and two upper-case hexadecimal digits.
-struct QpCode {
-    char text[3];
-    unsigned char length;
-};
+// The bytes among the 64 at `p` that quoted-printable does not write as they are (CR
+// included): bit k is set when p[k] is one.
+std::uint64_t qpSpecialPositions(const unsigned char* p) noexcept
+{
+    std::uint64_t mask = 0;
+#if defined(__SSE2__)
+    // Signed comparisons: bytes from 0x80 up are negative, below every ASCII character.
+    const auto is = [](__m128i x, char c) { return _mm_cmpeq_epi8(x, _mm_set1_epi8(c)); };
+    const auto below = [](__m128i x, char c) { return _mm_cmplt_epi8(x, _mm_set1_epi8(c)); };
+    const auto above = [](__m128i x, char c) { return _mm_cmpgt_epi8(x, _mm_set1_epi8(c)); };
+    for (int k = 0; k < 4; ++k) {
+        const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 16 * k));
+        // Controls but tab, bytes from 0x80, and { | } ~ DEL.
+        const __m128i outside = _mm_or_si128(_mm_andnot_si128(is(x, '\t'), below(x, ' ')), above(x, 'z'));
+        // ! " # $, [ \ ] ^, and = @ `.
+        const __m128i ranges = _mm_or_si128(_mm_and_si128(above(x, ' '), below(x, '%')),
+                                            _mm_and_si128(above(x, 'Z'), below(x, '_')));
+        const __m128i singles = _mm_or_si128(_mm_or_si128(is(x, '='), is(x, '@')), is(x, '`'));
+        const __m128i special = _mm_or_si128(outside, _mm_or_si128(ranges, singles));
+        mask |= std::uint64_t{static_cast<std::uint32_t>(_mm_movemask_epi8(special))} << (16 * k);
+    }
+#else
+    for (int k = 0; k < 64; ++k)
+        mask |= std::uint64_t{!qpLiteral[p[k]]} << k;
+#endif
+    return mask;
+}
 
-struct QpCodeTable {
-    QpCode codes[256] = {};
+// The escape of every byte: '=' and two upper-case hexadecimal digits.
+struct QpEscapeTable {
+    char text[256][3] = {};
 
-    constexpr QpCodeTable()
+    constexpr QpEscapeTable()
     {
         for (unsigned b = 0; b < 256; ++b) {
-            if (qpLiteral[static_cast<unsigned char>(b)])
-                codes[b] = QpCode{{static_cast<char>(b), 0, 0}, 1};
-            else
-                codes[b] = QpCode{{'=', decToHex(b >> 4), decToHex(b)}, 3};
+            text[b][0] = '=';
+            text[b][1] = decToHex(b >> 4);
+            text[b][2] = decToHex(b);
         }
     }
 };
 
-constexpr QpCodeTable qpCodes;
+constexpr QpEscapeTable qpEscapes;
 
 // Bytes the Q encoding of encoded words writes as they are.
 constexpr ByteSet qAllowed("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789!*+-/");
@@ -111,56 +137,9 @@ bool isIdentityEncoding(const KNCString& encoding) noexcept
     KNThrow(KNMimeError(KNMessage(knmime_INVALID_CHARSET(), charset)));
 }
 
-[[noreturn]] void throwInvalidBase64(char c)
-{
-    KNThrow(KNMimeParseError(
-        KNMessage(knmime_INVALID_BASE64_CHAR(), static_cast<int>(static_cast<unsigned char>(c)))));
-}
-
-// Collects output in a small buffer and appends it to the result in blocks, which keeps
-// the per-byte cost of the encoders free of capacity checks and terminator writes.
-class BlockWriter {
-public:
-    explicit BlockWriter(KNCString& out) : out_(out) {}
-
-    void put(char c)
-    {
-        if (used_ == sizeof(buf_))
-            flush();
-        buf_[used_++] = c;
-    }
-    void put3(char a, char b, char c)
-    {
-        if (used_ + 3 > sizeof(buf_))
-            flush();
-        buf_[used_] = a;
-        buf_[used_ + 1] = b;
-        buf_[used_ + 2] = c;
-        used_ += 3;
-    }
-    // Writes all three bytes of the code's text and keeps `length` of them.
-    void putCode(const QpCode& code)
-    {
-        if (used_ + 3 > sizeof(buf_))
-            flush();
-        std::memcpy(buf_ + used_, code.text, 3);
-        used_ += code.length;
-    }
-    bool empty() const { return used_ == 0 && out_.empty(); }
-    char last() const { return used_ != 0 ? buf_[used_ - 1] : out_.back(); }
-    void flush()
-    {
-        out_.append(buf_, used_);
-        used_ = 0;
-    }
-
-private:
-    KNCString& out_;
-    char buf_[4096];
-    std::size_t used_ = 0;
-};
-
 // --- base64 --------------------------------------------------------------------------
+
+using KNMimeCodec::KNMimeCodecOutput;
 
 std::size_t base64EncodedSize(std::size_t n) noexcept
 {
@@ -214,39 +193,13 @@ void appendBase64(KNCString& out, std::string_view data)
 
 // --- quoted-printable ----------------------------------------------------------------
 
-void softBreak(BlockWriter& w)
+// Writes the soft line break '=' CR LF.
+char* softBreak(char* w) noexcept
 {
-    w.put3('=', '\r', '\n');
-}
-
-void encodeQuotedPrintableInto(BlockWriter& w, std::string_view data)
-{
-    const auto* p = reinterpret_cast<const unsigned char*>(data.data());
-    const std::size_t n = data.size();
-    std::size_t column = 0;
-    for (std::size_t i = 0; i < n; ++i) {
-        const unsigned char b = p[i];
-        if (b == '\r' && i + 1 < n && p[i + 1] == '\n') {
-            // White space before a line end would be lost in transport: protect it.
-            if (!w.empty() && isBlank(w.last()))
-                softBreak(w);
-            w.put('\r');
-            w.put('\n');
-            column = 0;
-            ++i;
-            continue;
-        }
-        // One table entry per byte, literal or escaped, with no branch between the two.
-        const QpCode& code = qpCodes.codes[b];
-        column += code.length;
-        if (column > qpLineLimit) {
-            softBreak(w);
-            column = code.length;
-        }
-        w.putCode(code);
-    }
-    if (!w.empty() && isBlank(w.last()))
-        softBreak(w);
+    w[0] = '=';
+    w[1] = '\r';
+    w[2] = '\n';
+    return w + 3;
 }
 
 // Drops the blanks and tabs at the end of the output written so far in [begin, w).
@@ -259,21 +212,82 @@ char* trimBlanks(char* begin, char* w) noexcept
 
 KNCString decodeQuotedPrintableView(std::string_view text, bool stripTrailingWhitespace)
 {
+    using KNMimeCodec::copyShort;
+    using KNMimeCodec::positionsOf;
     const std::size_t n = text.size();
-    const char* const p = text.data();
+    const auto* const p = reinterpret_cast<const unsigned char*>(text.data());
+    const auto* const hex = KNMimeCodec::hexValues.values;
     KNCString out;
-    out.resize(n);
-    char* const begin = out.data();
-    char* w = begin;
+    // Every piece of the text decodes to at most as many bytes as it has; the blocks below
+    // ask for room for their short copies on top.
+    KNMimeCodecOutput o(out, n + 64 + 2 * KNMimeCodec::copySlack);
     bool atLineStart = true;
     std::size_t i = 0;
+    // 64 bytes at a time while 64 + copySlack are left, so that the short copies and the
+    // escapes begun in the block read inside the text: runs between the bytes that need a
+    // look ('=', and CR when line ends matter) are copied whole.
+    while (n - i >= 64 + KNMimeCodec::copySlack) {
+        const unsigned char* const b = p + i;
+        char* w = o.room(64 + 2 * KNMimeCodec::copySlack);
+        std::uint64_t marks = positionsOf(b, '=') | (stripTrailingWhitespace ? positionsOf(b, '\r') : 0);
+        std::size_t at = 0;
+        // Branches rather than selects below: the usual case is predicted, and the next
+        // escape does not wait for the digits of this one to be read.
+        for (; marks != 0; marks &= marks - 1) {
+            const std::size_t k = KNMimeCodec::lowestBit(marks);
+            if (k < at)
+                continue; // read as part of the escape before
+            w = copyShort(w, b + at, k - at); // no branch on an empty run
+            atLineStart = atLineStart && k == at;
+            if (b[k] == '=') {
+                const unsigned high = hex[b[k + 1]];
+                const unsigned low = hex[b[k + 2]];
+                if ((high | low) < 16) {
+                    *w++ = static_cast<char>(high << 4 | low);
+                    at = k + 3;
+                    atLineStart = false;
+                } else if (b[k + 1] == '\r' && b[k + 2] == '\n') {
+                    at = k + 3; // soft break
+                    atLineStart = true;
+                } else {
+                    // A bad escape stays as it stands, with the character after the '='.
+                    w[0] = '=';
+                    w[1] = static_cast<char>(b[k + 1]);
+                    w += 2;
+                    at = k + 2;
+                    atLineStart = false;
+                }
+            } else if (b[k + 1] == '\n') {
+                if (!atLineStart)
+                    w = trimBlanks(o.begin(), w);
+                w[0] = '\r';
+                w[1] = '\n';
+                w += 2;
+                at = k + 2;
+                atLineStart = true;
+            } else {
+                *w++ = '\r'; // a CR on its own
+                at = k + 1;
+                atLineStart = false;
+            }
+        }
+        if (at < 64) {
+            w = copyShort(w, b + at, 64 - at);
+            at = 64;
+            atLineStart = false;
+        }
+        i += at;
+        o.advance(w);
+    }
+    // The rest a character at a time.
+    char* w = o.room(n - i + 16);
     while (i < n) {
-        const char c = p[i];
+        const char c = static_cast<char>(p[i]);
         if (c == '=') {
             if (n - i < 3) { // a cut escape at the very end stays as it is
                 *w++ = c;
                 if (i + 1 < n)
-                    *w++ = p[i + 1];
+                    *w++ = static_cast<char>(p[i + 1]);
                 atLineStart = false;
                 break;
             }
@@ -282,20 +296,20 @@ KNCString decodeQuotedPrintableView(std::string_view text, bool stripTrailingWhi
                 i += 3;
                 continue;
             }
-            const int high = knHexDigitValue(p[i + 1]);
-            const int low = knHexDigitValue(p[i + 2]);
+            const unsigned high = hex[p[i + 1]];
+            const unsigned low = hex[p[i + 2]];
             atLineStart = false;
-            if (high >= 0 && low >= 0) {
+            if ((high | low) < 16) {
                 *w++ = static_cast<char>(high << 4 | low);
                 i += 3;
             } else {
                 *w++ = c;
-                *w++ = p[i + 1];
+                *w++ = static_cast<char>(p[i + 1]);
                 i += 2;
             }
         } else if (c == '\r' && i + 1 < n && p[i + 1] == '\n') {
             if (stripTrailingWhitespace && !atLineStart)
-                w = trimBlanks(begin, w);
+                w = trimBlanks(o.begin(), w);
             *w++ = '\r';
             *w++ = '\n';
             atLineStart = true;
@@ -307,8 +321,9 @@ KNCString decodeQuotedPrintableView(std::string_view text, bool stripTrailingWhi
         }
     }
     if (stripTrailingWhitespace && !atLineStart)
-        w = trimBlanks(begin, w);
-    out.resize(static_cast<std::size_t>(w - begin));
+        w = trimBlanks(o.begin(), w);
+    o.advance(w);
+    o.finish();
     return out;
 }
 
@@ -536,13 +551,29 @@ KNCString KNMimeUtils::getUniqueBoundary()
 
 KNCString KNMimeUtils::encodeBase64(const KNCString& data)
 {
+    constexpr std::size_t blockLines = 64;
+    const std::size_t n = data.size();
     KNCString out;
-    appendBase64(out, data);
+    KNMimeCodecOutput o(out, base64EncodedSize(n));
+    // Whole lines eight characters at a time, as long as two bytes follow the line for the
+    // wide reads of its last step; the rest a group at a time.
+    std::size_t done = 0;
+    for (std::size_t wideLines = n >= 2 ? (n - 2) / base64LineBytes : 0; wideLines != 0;) {
+        const std::size_t lines = std::min(wideLines, blockLines);
+        const auto* p = reinterpret_cast<const unsigned char*>(data.data() + done);
+        o.advance(KNMimeCodec::encodeBase64Lines(o.room(base64EncodedSize(lines * base64LineBytes)), p, lines));
+        done += lines * base64LineBytes;
+        wideLines -= lines;
+    }
+    const std::string_view rest = std::string_view(data).substr(done);
+    o.advance(writeBase64(o.room(base64EncodedSize(rest.size())), rest));
+    o.finish();
     return out;
 }
 
 KNCString KNMimeUtils::decodeBase64(const KNCString& text)
 {
+    constexpr std::size_t block = 16384;
     // Only trailing padding is removed: an '=' anywhere else is refused below.
     std::size_t end = text.size();
     while (end > 0 && text[end - 1] == '=')
@@ -550,64 +581,140 @@ KNCString KNMimeUtils::decodeBase64(const KNCString& text)
     const auto* p = reinterpret_cast<const unsigned char*>(text.data());
     const auto* const table = base64Decode.values;
     KNCString out;
-    out.resize(end / 4 * 3 + 3);
-    auto* const begin = reinterpret_cast<unsigned char*>(out.data());
-    unsigned char* w = begin;
+    KNMimeCodecOutput o(out, end / 4 * 3 + 16);
     std::uint32_t acc = 0;
     unsigned count = 0;
     std::size_t i = 0;
     while (i < end) {
-        if (count == 0) {
-            // Whole groups of four plain characters, the common case.
-            for (; end - i >= 4; i += 4) {
-                const unsigned a = table[p[i]], b = table[p[i + 1]], c = table[p[i + 2]], d = table[p[i + 3]];
-                if ((a | b | c | d) & 0xC0)
+        // A block at a time: its groups, and those begun before it, give at most 3 bytes for
+        // every 4 characters plus 3, and the wide steps write 2 bytes past their own.
+        const std::size_t stop = std::min(end, i + block);
+        auto* w = reinterpret_cast<unsigned char*>(o.room((stop - i) / 4 * 3 + 8));
+        while (i < stop) {
+            if (count == 0) {
+                i = KNMimeCodec::decodeBase64Plain(p, i, stop, w);
+                if (i == stop)
                     break;
-                const std::uint32_t v = a << 18 | b << 12 | c << 6 | d;
-                w[0] = static_cast<unsigned char>(v >> 16);
-                w[1] = static_cast<unsigned char>(v >> 8);
-                w[2] = static_cast<unsigned char>(v);
-                w += 3;
             }
-            if (i == end)
-                break;
+            const unsigned char v = table[p[i]];
+            if (v == base64Invalid)
+                KNMimeCodec::throwInvalidBase64(text[i]);
+            ++i;
+            if (v == base64Skip)
+                continue;
+            acc = acc << 6 | v;
+            if (++count == 4) {
+                w[0] = static_cast<unsigned char>(acc >> 16);
+                w[1] = static_cast<unsigned char>(acc >> 8);
+                w[2] = static_cast<unsigned char>(acc);
+                w += 3;
+                acc = 0;
+                count = 0;
+            }
         }
-        const unsigned char v = table[p[i]];
-        if (v == base64Invalid)
-            throwInvalidBase64(text[i]);
-        ++i;
-        if (v == base64Skip)
-            continue;
-        acc = acc << 6 | v;
-        if (++count == 4) {
-            w[0] = static_cast<unsigned char>(acc >> 16);
-            w[1] = static_cast<unsigned char>(acc >> 8);
-            w[2] = static_cast<unsigned char>(acc);
-            w += 3;
-            acc = 0;
-            count = 0;
-        }
+        o.advance(reinterpret_cast<char*>(w));
     }
-    // Left-over values: two give one byte, three give two, one gives nothing.
-    if (count == 2) {
-        *w++ = static_cast<unsigned char>(acc >> 4);
-    } else if (count == 3) {
-        *w++ = static_cast<unsigned char>(acc >> 10);
-        *w++ = static_cast<unsigned char>(acc >> 2);
-    }
-    out.resize(static_cast<std::size_t>(w - begin));
+    auto* w = reinterpret_cast<unsigned char*>(o.room(2));
+    o.advance(reinterpret_cast<char*>(KNMimeCodec::writeBase64Rest(w, acc, count)));
+    o.finish();
     return out;
 }
 
 KNCString KNMimeUtils::encodeQuotedPrintable(const KNCString& data)
 {
+    const auto* const p = reinterpret_cast<const unsigned char*>(data.data());
     const std::size_t n = data.size();
     KNCString out;
     // Three characters per byte at most, plus a soft break per 72 characters and one at the end.
-    out.reserve(3 * n + n / 8 + 16);
-    BlockWriter w(out);
-    encodeQuotedPrintableInto(w, data);
-    w.flush();
+    KNMimeCodecOutput o(out, 3 * n + n / 8 + 32);
+    std::size_t room = qpLineLimit; // characters the line still takes before a soft break
+    bool lastBlank = false;         // whether the last character written is a blank or tab
+    // Writes the escape of `b`, after a soft break when the line has no room for it.
+    const auto escape = [&room, &lastBlank](char* w, unsigned char b) {
+        if (room < 3) {
+            w = softBreak(w);
+            room = qpLineLimit;
+        }
+        std::memcpy(w, qpEscapes.text[b], 3);
+        room -= 3;
+        lastBlank = false;
+        return w + 3;
+    };
+    // Writes CR LF, after a soft break when a blank or tab would end the line.
+    const auto lineEnd = [&room, &lastBlank](char* w) {
+        if (lastBlank) // white space before a line end would be lost in transport: protect it
+            w = softBreak(w);
+        w[0] = '\r';
+        w[1] = '\n';
+        room = qpLineLimit;
+        lastBlank = false;
+        return w + 2;
+    };
+    std::size_t i = 0;
+    // 64 bytes at a time while 64 + copySlack are left, so that the short copies read inside
+    // the data: the runs of literal bytes between the others are copied whole, cut by soft
+    // breaks where the line is full.
+    while (n - i >= 64 + KNMimeCodec::copySlack) {
+        const unsigned char* const b = p + i;
+        // 64 escapes and a soft break every 24 of them at most, and the short copies' slack.
+        char* w = o.room(3 * 64 + 3 * 4 + KNMimeCodec::copySlack);
+        std::uint64_t special = qpSpecialPositions(b);
+        std::size_t at = 0;
+        for (;;) {
+            while (special != 0 && KNMimeCodec::lowestBit(special) < at)
+                special &= special - 1; // the LF of a CR LF taken before
+            const std::size_t next = special != 0 ? KNMimeCodec::lowestBit(special) : 64;
+            if (next > at) { // at is past the block after a CR LF across its end
+                std::size_t run = next - at;
+                const unsigned char* from = b + at;
+                while (run > room) {
+                    w = softBreak(KNMimeCodec::copyShort(w, from, room));
+                    from += room;
+                    run -= room;
+                    room = qpLineLimit;
+                }
+                w = KNMimeCodec::copyShort(w, from, run);
+                room -= run;
+                lastBlank = isBlank(static_cast<char>(b[next - 1]));
+            }
+            at = std::max(at, next);
+            if (special == 0)
+                break;
+            special &= special - 1;
+            if (b[next] == '\r' && b[next + 1] == '\n') {
+                w = lineEnd(w);
+                at = next + 2;
+            } else {
+                w = escape(w, b[next]);
+                at = next + 1;
+            }
+        }
+        i += at;
+        o.advance(w);
+    }
+    // The rest a byte at a time.
+    char* w = o.room(3 * (n - i) + 16);
+    for (; i < n; ++i) {
+        const unsigned char c = p[i];
+        if (qpLiteral[c]) {
+            if (room == 0) {
+                w = softBreak(w);
+                room = qpLineLimit;
+            }
+            *w++ = static_cast<char>(c);
+            --room;
+            lastBlank = isBlank(static_cast<char>(c));
+        } else if (c == '\r' && i + 1 < n && p[i + 1] == '\n') {
+            w = lineEnd(w);
+            ++i;
+        } else {
+            w = escape(w, c);
+        }
+    }
+    if (lastBlank)
+        w = softBreak(w);
+    o.advance(w);
+    o.finish();
     return out;
 }
 

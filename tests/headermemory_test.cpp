@@ -94,6 +94,7 @@ TEST(HeaderMemory, HeadersTakenFromAParsedMessageOutliveIt)
 
 TEST(HeaderMemory, EverythingAParseMadeIsGivenBack)
 {
+    KNMimeHeader("X-First"); // the header factory is made on first use and kept for good
     const long before = liveBlocks;
     {
         KNMimePart message;

@@ -4,17 +4,23 @@
 #include <mime/KNMimeContentDisposition.h>
 #include <mime/KNMimeContentDispositionHeader.h>
 #include <mime/KNMimeContentDispositionHeaderImp.h>
+#include <mime/KNMimeContentDispositionImp.h>
 #include <mime/KNMimeContentTransferEncodingHeaderImp.h>
 #include <mime/KNMimeContentType.h>
 #include <mime/KNMimeContentTypeHeader.h>
 #include <mime/KNMimeContentTypeHeaderImp.h>
+#include <mime/KNMimeContentTypeImp.h>
+#include <mime/KNMimeHeaderFactory.h>
 #include <mime/KNMimeHeaderImp.h>
+#include <mime/KNMimeParameterList.h>
 #include <mime/KNMimeStructuredHeaderImp.h>
 #include <mime/KNMimeUnstructuredHeaderImp.h>
 #include <mime/KNMimeUtils.h>
 #include <mime/KNMimeVersionHeaderImp.h>
+#include <mime/internal/KNMimeScan.h>
 
 #include <typeinfo>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -33,6 +39,15 @@ bool isPrintableLabel(std::string_view label)
             return false;
     }
     return true;
+}
+
+// The factory, held for the life of the program: creating a header per field should not
+// pay for the counted pointer's atomic updates each time.
+const KNMimeHeaderFactory& headerFactory()
+{
+    static const auto* const held =
+        new KNTCountingPointer<KNMimeHeaderFactory, KNAtomicCounter>(KNMimeHeaderFactory::instance());
+    return **held;
 }
 
 // A field name that reads the same once cleaned: no quote, comment or escape in it.
@@ -55,11 +70,10 @@ bool isToken(const KNCString& text)
     return !text.empty() && text.find('\0') == KNCString::npos && KNMimeUtils::isToken(text);
 }
 
-template <class Type>
-bool hasTokenParameterNames(const Type& type)
+bool hasTokenParameterNames(const KNMimeParameterList& parameters)
 {
-    for (std::size_t i = 0, n = type.getParameterCount(); i < n; ++i)
-        if (!isToken(type.getParameter(i).getName()))
+    for (std::size_t i = 0, n = parameters.getParameterCount(); i < n; ++i)
+        if (!isToken(parameters.getParameterName(i)))
             return false;
     return true;
 }
@@ -69,21 +83,27 @@ bool hasTokenParameterNames(const Type& type)
 bool prints(const KNMimeHeader& header)
 {
     const KNMimeHeaderImp* body = header.body();
-    const std::type_info& type = typeid(*body);
-    if (type == typeid(KNMimeUnstructuredHeaderImp) || type == typeid(KNMimeStructuredHeaderImp) ||
-        type == typeid(KNMimeVersionHeaderImp))
+    // The library's own body classes have one type_info each, here in the library, so their
+    // addresses tell them apart without comparing names; a class of the application's is
+    // none of them.
+    const std::type_info* const type = &typeid(*body);
+    // Free text first and content types next, the bodies most fields get.
+    if (type == &typeid(KNMimeUnstructuredHeaderImp))
         return true;
-    if (type == typeid(KNMimeContentTypeHeaderImp)) {
+    if (type == &typeid(KNMimeContentTypeHeaderImp)) {
         const KNMimeContentType value = static_cast<const KNMimeContentTypeHeaderImp*>(body)->getContentType();
-        return isToken(value.getMediaType()) && isToken(value.getSubType()) &&
-               hasTokenParameterNames(value);
+        const KNMimeContentTypeImp& held = *value.body();
+        return isToken(held.getMediaType()) && isToken(held.getSubType()) && hasTokenParameterNames(held.parameterList());
     }
-    if (type == typeid(KNMimeContentDispositionHeaderImp)) {
+    if (type == &typeid(KNMimeContentDispositionHeaderImp)) {
         const KNMimeContentDisposition value =
             static_cast<const KNMimeContentDispositionHeaderImp*>(body)->getContentDisposition();
-        return isToken(value.getType()) && hasTokenParameterNames(value);
+        const KNMimeContentDispositionImp& held = *value.body();
+        return isToken(held.getType()) && hasTokenParameterNames(held.parameterList());
     }
-    if (type == typeid(KNMimeContentTransferEncodingHeaderImp))
+    if (type == &typeid(KNMimeStructuredHeaderImp) || type == &typeid(KNMimeVersionHeaderImp))
+        return true;
+    if (type == &typeid(KNMimeContentTransferEncodingHeaderImp))
         return isToken(static_cast<const KNMimeContentTransferEncodingHeaderImp*>(body)->getEncoding());
     try {
         (void)header.asString();
@@ -215,8 +235,10 @@ std::optional<KNMimeHeader> KNMimeFieldReader::read(std::string_view field, cons
     // value prints (free text always does once the label is printable).
     if (isPlainLabel(rawLabel)) {
         try {
-            KNMimeHeader header{KNCString(rawLabel)};
-            KNCString value = KNMimeUtils::unfoldAndTrim(KNCString(field.substr(colon + 1)));
+            KNCString label(rawLabel);
+            KNMimeHeader header = headerFactory().create(label);
+            header.body()->setLabel(std::move(label));
+            KNCString value = KNMimeScan::unfoldAndTrim(field.substr(colon + 1));
             if (!value.empty()) // an empty value keeps the body's default, as when parsing strictly
                 header.body()->takeValueFromString(std::move(value));
             if (prints(header))

@@ -12,8 +12,10 @@
 #include <mime/KNMimeContentTypeHeaderImp.h>
 #include <mime/KNMimeHeaderImp.h>
 #include <mime/KNMimeMultipart.h>
+#include <mime/KNMimeMultipartImp.h>
 #include <mime/KNMimeStringPartImp.h>
 #include <mime/KNMimeUnstructuredHeaderImp.h>
+#include <mime/internal/KNMimeEntityParse.h>
 #include <mime/KNMimeUtils.h>
 
 #include <algorithm>
@@ -140,6 +142,8 @@ KNMimeStructureReader::KNMimeStructureReader(std::string_view text, OffsetMap to
     : text_(text), toInput_(std::move(toInput)), path_(std::move(path)), levels_(levels),
       openAttachedMessages_(openAttachedMessages), output_(output)
 {
+    // Room for the entities of most messages, read without regrowing the list.
+    output_.entities.reserve(output_.entities.size() + 8);
 }
 
 void KNMimeStructureReader::report(Kind kind, const KNCString& path, std::size_t pos, const KNCString& text)
@@ -545,8 +549,9 @@ void KNMimeStructureReader::finishFrame(std::size_t end)
     }
 }
 
-// Puts an entity in its place: the message, or the next part of `parent`. A multipart goes
-// in while it is still empty, so that the check against cycles has nothing to walk.
+// Puts an entity in its place: the message, or the next part of `parent`. The part was
+// just made by this reader and cannot hold its parent, so it is appended without the check
+// against cycles.
 void KNMimeStructureReader::deliver(const KNMimePart& part, std::size_t entity, Frame* parent)
 {
     output_.entities[entity].part = part;
@@ -554,7 +559,7 @@ void KNMimeStructureReader::deliver(const KNMimePart& part, std::size_t entity, 
         message_ = part;
         return;
     }
-    KNMimeMultipart(parent->part).insertPart(part);
+    KNMimeEntityParse::appendPart(static_cast<KNMimeMultipartImp&>(*parent->part.body()), part);
     ++parent->children;
 }
 

@@ -14,27 +14,12 @@
 
 namespace {
 
-// Orders labels by length, then by their bytes lowered: most labels looked up differ in
-// length from every registered one and are told apart without reading a byte.
-bool lessIgnoringCase(std::string_view a, std::string_view b) noexcept
-{
-    if (a.size() != b.size())
-        return a.size() < b.size();
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        const char x = knToLowerAscii(a[i]);
-        const char y = knToLowerAscii(b[i]);
-        if (x != y)
-            return static_cast<unsigned char>(x) < static_cast<unsigned char>(y);
-    }
-    return false;
-}
-
-// The first registration whose label does not order before `label`.
+// The first registration whose label is not shorter than `label`.
 template <class Registrations>
 auto lowerBound(Registrations& registrations, std::string_view label)
 {
-    return std::lower_bound(registrations.begin(), registrations.end(), label,
-                            [](const auto& r, std::string_view l) { return lessIgnoringCase(r.first, l); });
+    return std::lower_bound(registrations.begin(), registrations.end(), label.size(),
+                            [](const auto& r, std::size_t size) { return r.first.size() < size; });
 }
 
 } // namespace
@@ -69,8 +54,11 @@ KNMimeHeaderFactory::~KNMimeHeaderFactory() = default;
 std::vector<KNMimeHeaderFactory::Registration>::const_iterator
 KNMimeHeaderFactory::find(std::string_view label) const noexcept
 {
-    const auto at = lowerBound(creators_, label);
-    return at != creators_.end() && knEqualsIgnoreCase(at->first, label) ? at : creators_.end();
+    // Registrations of the label's length are next to one another: compare only those.
+    for (auto at = lowerBound(creators_, label); at != creators_.end() && at->first.size() == label.size(); ++at)
+        if (knEqualsIgnoreCase(at->first, label))
+            return at;
+    return creators_.end();
 }
 
 bool KNMimeHeaderFactory::mayBeRegistered(std::string_view label) const noexcept
@@ -98,10 +86,9 @@ bool KNMimeHeaderFactory::contains(const KNCString& label) const
 
 void KNMimeHeaderFactory::setHeaderFunctor(const KNCString& label, KNTFunctorR0<KNMimeHeader> creator)
 {
-    const auto at = lowerBound(creators_, label);
-    if (at != creators_.end() && knEqualsIgnoreCase(at->first, label))
+    if (find(label) != creators_.end())
         return; // the first registration wins
-    creators_.emplace(at, label, std::move(creator));
+    creators_.emplace(lowerBound(creators_, label), label, std::move(creator));
     if (!label.empty())
         registeredFirstBytes_.set(static_cast<unsigned char>(knToLowerAscii(label[0])));
 }

@@ -48,8 +48,9 @@ public:
 private:
     KNMimeHeaderFactory();
 
-    // One registration per label, ordered by the label ignoring case, so that a lookup
-    // compares the label as it stands, without lowering or hashing a copy of it.
+    // One registration per label (ignoring case), ordered by length, so that a lookup
+    // compares the label as it stands with the few registrations of its length, without
+    // lowering or hashing a copy of it.
     using Registration = std::pair<KNCString, Creator>;
     std::vector<Registration>::const_iterator find(std::string_view label) const noexcept;
 

@@ -44,6 +44,11 @@ KNMimeParameter KNMimeParameterList::getParameter(std::size_t i) const
     return parameters_.at(i);
 }
 
+const KNCString& KNMimeParameterList::getParameterName(std::size_t i) const
+{
+    return parameters_.at(i).name_;
+}
+
 std::size_t KNMimeParameterList::findParameter(const KNCString& name, std::size_t start) const
 {
     for (std::size_t i = start; i < parameters_.size(); ++i) {

@@ -21,6 +21,8 @@ public:
     std::size_t getParameterCount() const;
     /// A copy of parameter i; KNBoundsErr when i is not below the count.
     KNMimeParameter getParameter(std::size_t i) const;
+    /// The name of parameter i as written, without copying it; KNBoundsErr past the end.
+    const KNCString& getParameterName(std::size_t i) const;
     /// Position of the first parameter at or after `start` named `name` (ignoring case), or npos.
     std::size_t findParameter(const KNCString& name, std::size_t start = 0) const;
     /// Value of the parameter findParameter finds; empty when there is none.

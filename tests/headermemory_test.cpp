@@ -21,10 +21,23 @@
 
 // Blocks handed out by operator new and not yet given back, counted for the whole program:
 // a parse and the destruction of what it made must leave the count where it was.
+// ThreadSanitizer's runtime brings its own operator new, so the count is left out there.
+#if defined(__SANITIZE_THREAD__)
+#define KN_COUNT_BLOCKS 0
+#elif defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define KN_COUNT_BLOCKS 0
+#endif
+#endif
+#ifndef KN_COUNT_BLOCKS
+#define KN_COUNT_BLOCKS 1
+#endif
+
 namespace {
 std::atomic<long> liveBlocks{0};
 }
 
+#if KN_COUNT_BLOCKS
 void* operator new(std::size_t size)
 {
     void* block = std::malloc(size == 0 ? 1 : size);
@@ -46,6 +59,7 @@ void operator delete(void* block, std::size_t) noexcept
 {
     operator delete(block);
 }
+#endif
 
 namespace {
 
@@ -94,6 +108,8 @@ TEST(HeaderMemory, HeadersTakenFromAParsedMessageOutliveIt)
 
 TEST(HeaderMemory, EverythingAParseMadeIsGivenBack)
 {
+    if (!KN_COUNT_BLOCKS)
+        GTEST_SKIP() << "operator new belongs to the sanitizer here";
     KNMimeHeader("X-First"); // the header factory is made on first use and kept for good
     const long before = liveBlocks;
     {

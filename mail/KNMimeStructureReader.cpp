@@ -142,8 +142,11 @@ KNMimeStructureReader::KNMimeStructureReader(std::string_view text, OffsetMap to
     : text_(text), toInput_(std::move(toInput)), path_(std::move(path)), levels_(levels),
       openAttachedMessages_(openAttachedMessages), output_(output)
 {
-    // Room for the entities of most messages, read without regrowing the list.
-    output_.entities.reserve(output_.entities.size() + 8);
+    // Room for the entities of most messages, read without regrowing the list. Only the
+    // outermost reader asks: one per attached message asking for more each time would copy
+    // the whole list every time.
+    if (output_.entities.empty())
+        output_.entities.reserve(8);
 }
 
 void KNMimeStructureReader::report(Kind kind, const KNCString& path, std::size_t pos, const KNCString& text)

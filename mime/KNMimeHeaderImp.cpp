@@ -96,7 +96,11 @@ void KNMimeHeaderImp::appendValueTo(KNCString& out) const
 
 KNCString KNMimeHeaderImp::asString() const
 {
+    // Room for most lines, folded ones of a few hundred bytes included, so that appending
+    // the label, the value and any fold does not regrow the string.
+    constexpr std::size_t lineGuess = 512;
     KNCString line;
+    line.reserve(lineGuess);
     appendTo(line);
     return line;
 }

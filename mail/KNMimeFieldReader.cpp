@@ -50,16 +50,30 @@ const KNMimeHeaderFactory& headerFactory()
     return **held;
 }
 
+// The bytes of a field name that reads the same once cleaned: printable ASCII other than
+// blank, colon, quote, parentheses and backslash.
+struct PlainLabelTable {
+    bool plain[256] = {};
+
+    constexpr PlainLabelTable()
+    {
+        for (int c = '!'; c < 0x7f; ++c)
+            plain[c] = true;
+        for (const char* p = ":\"()\\"; *p != '\0'; ++p)
+            plain[static_cast<unsigned char>(*p)] = false;
+    }
+};
+
+constexpr PlainLabelTable plainLabel;
+
 // A field name that reads the same once cleaned: no quote, comment or escape in it.
 bool isPlainLabel(std::string_view label)
 {
     if (label.empty())
         return false;
-    for (const char c : label) {
-        const auto u = static_cast<unsigned char>(c);
-        if (u <= ' ' || u >= 0x7f || c == ':' || c == '"' || c == '(' || c == ')' || c == '\\')
+    for (const char c : label)
+        if (!plainLabel.plain[static_cast<unsigned char>(c)])
             return false;
-    }
     return true;
 }
 

@@ -2,8 +2,6 @@
 
 #include <foundation/KNTHRInvalidPointer.h>
 
-KNHandleBase::KNHandleBase(const KNHandleBase& other) noexcept : KNHandleBase(other.body_) {}
-
 KNHandleBase& KNHandleBase::operator=(const KNHandleBase& other) noexcept
 {
     rebind(other.body_);

@@ -27,7 +27,7 @@ protected:
     }
     /// Copies share the body. Protected, so that a handle is only ever assigned a handle of
     /// its own class, never another class's body through a base reference.
-    KNHandleBase(const KNHandleBase& other) noexcept;
+    KNHandleBase(const KNHandleBase& other) noexcept : KNHandleBase(other.body_) {}
     /// Shares the body of `other` and lets go of the current one.
     KNHandleBase& operator=(const KNHandleBase& other) noexcept;
     /// A moved-from handle is empty; moving spares the reference count two atomic updates.

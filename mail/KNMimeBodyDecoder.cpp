@@ -237,15 +237,7 @@ KNCString KNMimeBodyDecoder::decodeBase64(std::string_view text)
             }
             if (v == base64Skip)
                 continue;
-            acc = acc << 6 | v;
-            if (++count == 4) {
-                w[0] = static_cast<unsigned char>(acc >> 16);
-                w[1] = static_cast<unsigned char>(acc >> 8);
-                w[2] = static_cast<unsigned char>(acc);
-                w += 3;
-                acc = 0;
-                count = 0;
-            }
+            w = KNMimeCodec::addBase64Sextet(w, acc, count, v);
         }
         o.advance(reinterpret_cast<char*>(w));
     }

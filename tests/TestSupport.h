@@ -56,4 +56,15 @@ inline KNCString invalidToken(const KNCString& text)
     return "[INVALID_TOKEN] The following is not a valid token:  \"" + text + "\"";
 }
 
+// Unfolding and trimming as the rule reads, erasing from a copy: quadratic on purpose, to
+// compare the library's scanners against.
+inline KNCString naiveUnfoldAndTrim(KNCString text)
+{
+    for (std::size_t at = text.find("\r\n"); at != KNCString::npos; at = text.find("\r\n", at + 1))
+        if (at + 2 < text.size() && (text[at + 2] == ' ' || text[at + 2] == '\t'))
+            text.erase(at, 2);
+    text.erase(0, text.find_first_not_of(" \t\r\n"));
+    return text.erase(text.find_last_not_of(" \t\r\n") + 1);
+}
+
 #endif

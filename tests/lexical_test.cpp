@@ -1,6 +1,7 @@
 #include <mime/KNMimeUtils.h>
 
 #include <gtest/gtest.h>
+#include <tests/TestSupport.h>
 
 #include <random>
 #include <set>
@@ -22,15 +23,6 @@ KNCString randomText(std::mt19937& rng, const KNCString& alphabet, std::size_t m
 }
 
 // Straightforward renderings of the rules, quadratic on purpose, to compare against.
-KNCString naiveUnfoldAndTrim(KNCString text)
-{
-    for (std::size_t at = text.find("\r\n"); at != npos; at = text.find("\r\n", at + 1))
-        if (at + 2 < text.size() && (text[at + 2] == ' ' || text[at + 2] == '\t'))
-            text.erase(at, 2);
-    text.erase(0, text.find_first_not_of(" \t\r\n"));
-    return text.erase(text.find_last_not_of(" \t\r\n") + 1);
-}
-
 KNCString naiveReplace(const KNCString& text, const KNCString& delim)
 {
     KNCString out;

@@ -63,15 +63,6 @@ std::size_t naiveFindDelimiter(const KNCString& text, char delim)
     return npos;
 }
 
-KNCString naiveUnfoldAndTrim(KNCString text)
-{
-    for (std::size_t at = text.find("\r\n"); at != npos; at = text.find("\r\n", at + 1))
-        if (at + 2 < text.size() && (text[at + 2] == ' ' || text[at + 2] == '\t'))
-            text.erase(at, 2);
-    text.erase(0, text.find_first_not_of(" \t\r\n"));
-    return text.erase(text.find_last_not_of(" \t\r\n") + 1);
-}
-
 // True when a CR or LF of `value` is not the start of CR LF followed by a blank or tab.
 bool naiveHasBareLineBreak(const KNCString& value)
 {

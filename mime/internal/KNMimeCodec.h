@@ -277,6 +277,22 @@ inline std::size_t decodeBase64Plain(const unsigned char* p, std::size_t i, std:
 
 // The bytes of the last, incomplete group of a base64 text, its `count` values in `acc`:
 // two values give one byte, three give two, one nothing.
+// Adds one sextet to the group gathered in `acc` (`count` sextets so far); a complete group
+// of four is written at `w` as three bytes. Returns the end of what was written.
+inline unsigned char* addBase64Sextet(unsigned char* w, std::uint32_t& acc, unsigned& count, std::uint32_t sextet) noexcept
+{
+    acc = acc << 6 | sextet;
+    if (++count == 4) {
+        w[0] = static_cast<unsigned char>(acc >> 16);
+        w[1] = static_cast<unsigned char>(acc >> 8);
+        w[2] = static_cast<unsigned char>(acc);
+        w += 3;
+        acc = 0;
+        count = 0;
+    }
+    return w;
+}
+
 inline unsigned char* writeBase64Rest(unsigned char* w, std::uint32_t acc, unsigned count) noexcept
 {
     if (count == 2) {
@@ -326,6 +342,30 @@ inline KNCString encodeBase64(std::string_view data)
     return out;
 }
 
+// The two plain base64 decoders below gather groups one character at a time into a string:
+// kept simple and apart from the fast paths they are compared with.
+inline void appendPlainSextet(KNCString& out, std::uint32_t& acc, unsigned& count, int sextet)
+{
+    acc = acc << 6 | static_cast<std::uint32_t>(sextet);
+    if (++count == 4) {
+        out += static_cast<char>(acc >> 16);
+        out += static_cast<char>(acc >> 8);
+        out += static_cast<char>(acc);
+        acc = 0;
+        count = 0;
+    }
+}
+
+inline void appendPlainRest(KNCString& out, std::uint32_t acc, unsigned count)
+{
+    if (count == 2) {
+        out += static_cast<char>(acc >> 4);
+    } else if (count == 3) {
+        out += static_cast<char>(acc >> 10);
+        out += static_cast<char>(acc >> 2);
+    }
+}
+
 // Strict base64 decoding (see KNMimeUtils::decodeBase64): trailing '=' dropped, CR and LF
 // skipped, any other byte outside the alphabet refused.
 inline KNCString decodeBase64(std::string_view text)
@@ -343,21 +383,9 @@ inline KNCString decodeBase64(std::string_view text)
         const int v = base64Value(c);
         if (v < 0)
             throwInvalidBase64(c);
-        acc = acc << 6 | static_cast<std::uint32_t>(v);
-        if (++count == 4) {
-            out += static_cast<char>(acc >> 16);
-            out += static_cast<char>(acc >> 8);
-            out += static_cast<char>(acc);
-            acc = 0;
-            count = 0;
-        }
+        appendPlainSextet(out, acc, count, v);
     }
-    if (count == 2) {
-        out += static_cast<char>(acc >> 4);
-    } else if (count == 3) {
-        out += static_cast<char>(acc >> 10);
-        out += static_cast<char>(acc >> 2);
-    }
+    appendPlainRest(out, acc, count);
     return out;
 }
 
@@ -373,21 +401,9 @@ inline KNCString decodeBase64Forgiving(std::string_view text)
         const int v = base64Value(c);
         if (v < 0)
             continue;
-        acc = acc << 6 | static_cast<std::uint32_t>(v);
-        if (++count == 4) {
-            out += static_cast<char>(acc >> 16);
-            out += static_cast<char>(acc >> 8);
-            out += static_cast<char>(acc);
-            acc = 0;
-            count = 0;
-        }
+        appendPlainSextet(out, acc, count, v);
     }
-    if (count == 2) {
-        out += static_cast<char>(acc >> 4);
-    } else if (count == 3) {
-        out += static_cast<char>(acc >> 10);
-        out += static_cast<char>(acc >> 2);
-    }
+    appendPlainRest(out, acc, count);
     return out;
 }
 
